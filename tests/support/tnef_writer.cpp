@@ -1,0 +1,287 @@
+#include "tests/support/tnef_writer.h"
+
+namespace tneftest {
+
+namespace {
+
+enum : uint16_t {
+    kRecBody = 0x800C,
+    kRecMessageClass = 0x8008,
+    kRecAttachData = 0x800F,
+    kRecAttachTitle = 0x8010,
+    kRecAttachRendData = 0x9002,
+    kRecMapiProps = 0x9003,
+    kRecRecipTable = 0x9004,
+    kRecAttachment = 0x9005,
+    kRecVersion = 0x9006,
+    kRecOemCodePage = 0x9007,
+};
+
+bool isCounted(uint32_t type) {
+    return type == 0 || type == 13 || type == 30 || type == 31 || type == 258;
+}
+
+void pad(Bytes& out, size_t length) {
+    while (length % 4 != 0) {
+        out.push_back(0);
+        ++length;
+    }
+}
+
+}  // namespace
+
+void putLe16(Bytes& out, uint32_t value) {
+    out.push_back(static_cast<uint8_t>(value));
+    out.push_back(static_cast<uint8_t>(value >> 8));
+}
+
+void putLe32(Bytes& out, uint32_t value) {
+    for (int i = 0; i < 4; ++i) out.push_back(static_cast<uint8_t>(value >> (8 * i)));
+}
+
+void putLe64(Bytes& out, uint64_t value) {
+    for (int i = 0; i < 8; ++i) out.push_back(static_cast<uint8_t>(value >> (8 * i)));
+}
+
+Bytes bytesOf(const std::string& text) {
+    return Bytes(text.begin(), text.end());
+}
+
+Bytes utf16(const std::string& text) {
+    Bytes out;
+    for (size_t i = 0; i < text.size();) {
+        auto c = static_cast<uint8_t>(text[i]);
+        uint32_t code = c;
+        size_t extra = 0;
+        if (c >= 0xF0) {
+            code = c & 0x07;
+            extra = 3;
+        } else if (c >= 0xE0) {
+            code = c & 0x0F;
+            extra = 2;
+        } else if (c >= 0xC0) {
+            code = c & 0x1F;
+            extra = 1;
+        }
+        for (size_t k = 1; k <= extra && i + k < text.size(); ++k) {
+            code = (code << 6) | (static_cast<uint8_t>(text[i + k]) & 0x3F);
+        }
+        i += 1 + extra;
+        if (code > 0xFFFF) {
+            code -= 0x10000;
+            putLe16(out, 0xD800 + (code >> 10));
+            putLe16(out, 0xDC00 + (code & 0x3FF));
+        } else {
+            putLe16(out, code);
+        }
+    }
+    return out;
+}
+
+uint16_t checksumOf(const Bytes& data) {
+    uint32_t sum = 0;
+    for (uint8_t b : data) sum += b;
+    return static_cast<uint16_t>(sum & 0xFFFF);
+}
+
+Prop Prop::int32(uint32_t tag, int32_t value) {
+    Bytes b;
+    putLe32(b, static_cast<uint32_t>(value));
+    return raw(tag, {b});
+}
+
+Prop Prop::int64(uint32_t tag, uint64_t value) {
+    Bytes b;
+    putLe64(b, value);
+    return raw(tag, {b});
+}
+
+Prop Prop::time(uint32_t tag, uint64_t filetime) {
+    return int64(tag, filetime);
+}
+
+Prop Prop::string8(uint32_t tag, const std::string& text, bool terminator) {
+    Bytes b = bytesOf(text);
+    if (terminator) b.push_back(0);
+    return raw(tag, {b});
+}
+
+Prop Prop::unicode(uint32_t tag, const std::string& text, bool terminator) {
+    Bytes b = utf16(text);
+    if (terminator) {
+        b.push_back(0);
+        b.push_back(0);
+    }
+    return raw(tag, {b});
+}
+
+Prop Prop::binary(uint32_t tag, const Bytes& data) {
+    return raw(tag, {data});
+}
+
+Prop Prop::raw(uint32_t tag, std::vector<Bytes> values) {
+    Prop p;
+    p.tag = tag;
+    p.values = std::move(values);
+    return p;
+}
+
+Prop Prop::named(Prop prop, uint32_t numericName) {
+    prop.nameKind = 0;
+    prop.numericName = numericName;
+    return prop;
+}
+
+Prop Prop::namedString(Prop prop, const Bytes& name) {
+    prop.nameKind = 1;
+    prop.stringName = name;
+    return prop;
+}
+
+Bytes propertyBytes(const Prop& prop) {
+    Bytes out;
+    putLe32(out, prop.tag);
+    uint32_t id = prop.tag >> 16;
+    uint32_t type = prop.tag & 0xFFFF;
+    bool multi = (type & 0x1000) != 0;
+    type &= ~0x1000u;
+    if (id >= 0x8000 && id <= 0xFFFE) {
+        out.insert(out.end(), prop.guid.begin(), prop.guid.end());
+        putLe32(out, prop.nameKind);
+        if (prop.nameKind == 0) {
+            putLe32(out, prop.numericName);
+        } else {
+            putLe32(out, prop.nameLengthOverride.value_or(static_cast<uint32_t>(prop.stringName.size())));
+            out.insert(out.end(), prop.stringName.begin(), prop.stringName.end());
+            pad(out, prop.stringName.size());
+        }
+    }
+    bool counted = multi || type == 13 || type == 30 || type == 31 || type == 258;
+    if (prop.writeCount.value_or(counted)) {
+        putLe32(out, static_cast<uint32_t>(prop.valueCount.value_or(static_cast<int32_t>(prop.values.size()))));
+    }
+    bool first = true;
+    for (const Bytes& value : prop.values) {
+        if (isCounted(type)) {
+            uint32_t length = static_cast<uint32_t>(value.size());
+            putLe32(out, first && prop.lengthOverride ? *prop.lengthOverride : length);
+            out.insert(out.end(), value.begin(), value.end());
+            pad(out, value.size());
+        } else {
+            out.insert(out.end(), value.begin(), value.end());
+        }
+        first = false;
+    }
+    return out;
+}
+
+Bytes propertyBlock(const std::vector<Prop>& props, std::optional<int32_t> count) {
+    Bytes out;
+    putLe32(out, static_cast<uint32_t>(count.value_or(static_cast<int32_t>(props.size()))));
+    for (const Prop& prop : props) {
+        Bytes p = propertyBytes(prop);
+        out.insert(out.end(), p.begin(), p.end());
+    }
+    return out;
+}
+
+Bytes recipientTable(const std::vector<std::vector<Prop>>& rows, std::optional<int32_t> rowCount) {
+    Bytes out;
+    putLe32(out, static_cast<uint32_t>(rowCount.value_or(static_cast<int32_t>(rows.size()))));
+    for (const auto& row : rows) {
+        Bytes block = propertyBlock(row);
+        out.insert(out.end(), block.begin(), block.end());
+    }
+    return out;
+}
+
+TnefWriter::TnefWriter(uint32_t signature, uint16_t key) {
+    putLe32(bytes_, signature);
+    putLe16(bytes_, key);
+}
+
+TnefWriter& TnefWriter::record(uint8_t level, uint16_t id, const Bytes& data, RecordOptions options) {
+    bytes_.push_back(level);
+    putLe16(bytes_, id);
+    putLe16(bytes_, options.type);
+    putLe32(bytes_, options.length.value_or(static_cast<uint32_t>(data.size())));
+    lastData_ = position();
+    bytes_.insert(bytes_.end(), data.begin(), data.end());
+    if (options.writeChecksum) putLe16(bytes_, options.checksum.value_or(checksumOf(data)));
+    return *this;
+}
+
+TnefWriter& TnefWriter::raw(const Bytes& bytes) {
+    bytes_.insert(bytes_.end(), bytes.begin(), bytes.end());
+    return *this;
+}
+
+TnefWriter& TnefWriter::version() {
+    Bytes v;
+    putLe32(v, 0x00010000);
+    return record(kLevelMessage, kRecVersion, v);
+}
+
+TnefWriter& TnefWriter::oemCodePage(uint32_t codePage) {
+    Bytes v;
+    putLe32(v, codePage);
+    putLe32(v, 0);
+    return record(kLevelMessage, kRecOemCodePage, v);
+}
+
+TnefWriter& TnefWriter::messageClass(const std::string& text) {
+    Bytes v = bytesOf(text);
+    v.push_back(0);
+    return record(kLevelMessage, kRecMessageClass, v);
+}
+
+TnefWriter& TnefWriter::body(const std::string& text) {
+    return record(kLevelMessage, kRecBody, bytesOf(text));
+}
+
+TnefWriter& TnefWriter::messageProps(const std::vector<Prop>& props) {
+    return record(kLevelMessage, kRecMapiProps, propertyBlock(props));
+}
+
+TnefWriter& TnefWriter::recipients(const std::vector<std::vector<Prop>>& rows) {
+    return record(kLevelMessage, kRecRecipTable, recipientTable(rows));
+}
+
+TnefWriter& TnefWriter::attachRendData() {
+    Bytes v(14, 0);
+    v[0] = 1;
+    return record(kLevelAttachment, kRecAttachRendData, v);
+}
+
+TnefWriter& TnefWriter::attachTitle(const std::string& title) {
+    Bytes v = bytesOf(title);
+    v.push_back(0);
+    return record(kLevelAttachment, kRecAttachTitle, v);
+}
+
+TnefWriter& TnefWriter::attachData(const Bytes& data) {
+    return record(kLevelAttachment, kRecAttachData, data);
+}
+
+TnefWriter& TnefWriter::attachmentProps(const std::vector<Prop>& props) {
+    return record(kLevelAttachment, kRecAttachment, propertyBlock(props));
+}
+
+Bytes buildMessage(const MessageSpec& spec) {
+    TnefWriter w;
+    w.version();
+    if (spec.oemCodePage) w.oemCodePage(*spec.oemCodePage);
+    if (spec.messageClass) w.messageClass(*spec.messageClass);
+    if (spec.body) w.body(*spec.body);
+    if (spec.recipients) w.recipients(*spec.recipients);
+    if (!spec.props.empty()) w.messageProps(spec.props);
+    for (const AttachmentSpec& attachment : spec.attachments) {
+        w.attachRendData();
+        if (attachment.title) w.attachTitle(*attachment.title);
+        if (attachment.data) w.attachData(*attachment.data);
+        if (!attachment.props.empty()) w.attachmentProps(attachment.props);
+    }
+    return w.bytes();
+}
+
+}  // namespace tneftest
