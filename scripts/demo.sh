@@ -1,0 +1,11 @@
+#!/usr/bin/env bash
+# Builds the tool and shows what the demo stream in samples/ holds.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+./scripts/install-deps.sh
+cmake -S . -B build -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+cmake --build build -j "$(nproc 2>/dev/null || echo 2)" --target tnef-reader tnefreader zdolefio 2>/dev/null \
+  || cmake --build build -j "$(nproc 2>/dev/null || echo 2)"
+./build/cli/tnef-reader list samples/demo.tnef
+echo
+./build/cli/tnef-reader show samples/demo.tnef

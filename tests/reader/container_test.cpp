@@ -1,0 +1,198 @@
+// The export, open, close and container info, and the sweeps over open:
+// every truncation, every refused allocation, every failed I/O call.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <string>
+
+#include "reader/operations.h"
+#include "tests/support/reader_fixture.h"
+
+namespace tneftest {
+namespace {
+
+using tnefhost::IoOp;
+
+Bytes richStream() {
+    return buildMessage({.oemCodePage = 1252,
+                         .messageClass = "IPM.Note",
+                         .body = "Body text",
+                         .props = {Prop::string8(kTagSubject8, "Subject"),
+                                   Prop::int32(kTagImportance, 2),
+                                   Prop::string8(kTagSentRepresentingName8, "Ann")},
+                         .recipients = std::vector<std::vector<Prop>>{
+                             {Prop::string8(kTagDisplayName8, "Bob"),
+                              Prop::string8(kTagEmailAddress8, "bob@example.com")}},
+                         .attachments = {{.title = "one.txt",
+                                          .data = bytesOf("first attachment"),
+                                          .props = {Prop::int32(kTagAttachMethod, 1)}},
+                                         {.title = "two.bin",
+                                          .props = {Prop::int32(kTagAttachMethod, 1),
+                                                    Prop::binary(kTagAttachDataBinary, {1, 2, 3})}}}});
+}
+
+TEST(Container, ExportFillsAllSixSlots) {
+    ReaderInterface table{};
+    tnefGetContainerReaderInterfaceEx(&table);
+    tnefGetContainerReaderInterfaceEx(&table);
+    EXPECT_EQ(table.tnefOpenContainer, &tnefOpenContainer);
+    EXPECT_EQ(table.tnefCloseContainer, &tnefCloseContainer);
+    EXPECT_EQ(table.tnefGetContainerInfo, &tnefGetContainerInfo);
+    EXPECT_EQ(table.tnefGetSubfileInfo, &tnefGetSubfileInfo);
+    EXPECT_EQ(table.tnefGetSubfileMetadata, &tnefGetSubfileMetadata);
+    EXPECT_EQ(table.tnefExtractSubfile, &tnefExtractSubfile);
+    tnefCloseContainer(nullptr);
+}
+
+TEST(Container, FailuresBeforeTheContainerExists) {
+    struct Case {
+        const char* what;
+        void (*arrange)(OpenedStream&);
+        int32_t status;
+        bool leftOpen;
+    };
+    const Case cases[] = {
+        {"no open", [](OpenedStream& s) { s.input.removeSlot(IoOp::kOpen); }, 4, false},
+        {"open refused", [](OpenedStream& s) { s.input.failOperation(IoOp::kOpen, 1); }, 4, false},
+        {"no close", [](OpenedStream& s) { s.input.removeSlot(IoOp::kClose); }, 4, true},
+        {"container refused", [](OpenedStream& s) { s.host.memory().refuseRequest(1); }, 2, true},
+    };
+    for (const Case& c : cases) {
+        OpenedStream s(richStream(), 0, OpenedStream::Deferred{});
+        c.arrange(s);
+        s.open();
+        EXPECT_EQ(s.container, nullptr) << c.what;
+        EXPECT_EQ(s.status, c.status) << c.what;
+        EXPECT_EQ(s.input.isOpen(), c.leftOpen) << c.what;
+        EXPECT_EQ(s.host.memory().liveBlocks(), 0u) << c.what;
+    }
+}
+
+TEST(Container, CloseClosesTheInputButDoesNotDestroyIt) {
+    OpenedStream s(richStream());
+    ASSERT_EQ(s.status, 0);
+    EXPECT_TRUE(s.input.isOpen());
+    EXPECT_EQ(s.close(), "");
+    EXPECT_FALSE(s.input.isOpen());
+    EXPECT_EQ(s.input.calls(IoOp::kDestroy), 0u);
+}
+
+TEST(Container, InfoCountsSubfiles) {
+    for (uint32_t flags : {0u, 0x40000u, 0x40000u | 0x3u, 0xFFFBFFFFu}) {
+        OpenedStream s(richStream(), flags);
+        ASSERT_EQ(s.status, 0) << flags;
+        ContainerInfo info{-5};
+        EXPECT_EQ(tnefGetContainerInfo(s.container, &info, &s.memory), 0);
+        EXPECT_EQ(info.subfileCount, (flags & 0x40000) != 0 ? 4 : 3) << flags;
+    }
+}
+
+TEST(Container, InfoArguments) {
+    OpenedStream s(richStream());
+    ContainerInfo info{};
+    ResultMemory noOwner{nullptr, s.memory.allocator};
+    ResultMemory noAllocator{&info, nullptr};
+    EXPECT_EQ(tnefGetContainerInfo(nullptr, &info, &s.memory), 34);
+    EXPECT_EQ(tnefGetContainerInfo(s.container, nullptr, &s.memory), 34);
+    EXPECT_EQ(tnefGetContainerInfo(s.container, &info, nullptr), 34);
+    EXPECT_EQ(tnefGetContainerInfo(s.container, &info, &noOwner), 34);
+    EXPECT_EQ(tnefGetContainerInfo(s.container, &info, &noAllocator), 34);
+}
+
+TEST(Container, EmptyStreamOpensEmpty) {
+    for (uint32_t flags : {0u, 0x40000u}) {
+        OpenedStream s(TnefWriter().bytes(), flags);
+        EXPECT_EQ(s.status, 0);
+        ContainerInfo info{};
+        EXPECT_EQ(tnefGetContainerInfo(s.container, &info, &s.memory), 0);
+        EXPECT_EQ(info.subfileCount, flags != 0 ? 1 : 0);
+        SubfileInfo sub{};
+        EXPECT_EQ(tnefGetSubfileInfo(s.container, info.subfileCount, &sub, &s.memory), 34);
+    }
+}
+
+TEST(Container, FailedScanStillGivesTheContainer) {
+    TnefWriter w;
+    w.version().body("b").attachRendData().attachTitle("t");
+    w.attachmentProps({Prop::int32(kTagAttachMethod, 1)});
+    Bytes stream = w.bytes();
+    stream[stream.size() - 1] ^= 0xFF;  // the block's checksum
+    OpenedStream s(stream);
+    EXPECT_EQ(s.status, 4);
+    ASSERT_NE(s.container, nullptr);
+    EXPECT_EQ(s.container->objectCount, 2);
+    EXPECT_EQ(s.container->summaryCount, 0);
+    EXPECT_EQ(s.close(), "");
+}
+
+TEST(Container, OpenSweepOverEveryTruncation) {
+    Bytes stream = richStream();
+    for (size_t cut = 0; cut <= stream.size(); ++cut) {
+        OpenedStream s(Bytes(stream.begin(), stream.begin() + static_cast<long>(cut)));
+        if (cut < 4) {
+            EXPECT_EQ(s.status, 4) << cut;
+        } else {
+            EXPECT_TRUE(s.status == 0 || s.status == 4) << cut << ": " << s.status;
+        }
+        if (s.container != nullptr) {
+            EXPECT_LE(s.container->objectCount, 3) << cut;
+        }
+        EXPECT_EQ(s.close(), "") << cut;
+    }
+}
+
+TEST(Container, OpenSweepOverEveryRefusedAllocation) {
+    Bytes stream = richStream();
+    OpenedStream whole(stream);
+    int32_t fullCount = whole.container->objectCount;
+    for (uint64_t n = 1;; ++n) {
+        OpenedStream s(stream, 0, OpenedStream::Deferred{});
+        s.host.memory().refuseRequest(n);
+        s.open();
+        EXPECT_TRUE(s.status == 0 || s.status == 2) << n;
+        if (s.container != nullptr) {
+            EXPECT_LE(s.container->objectCount, fullCount) << n;
+        }
+        bool refusedNothing = s.host.memory().requests() < n;
+        EXPECT_EQ(s.close(), "") << n;
+        if (refusedNothing) break;
+    }
+}
+
+TEST(Container, OpenSweepOverEveryFailedIoCall) {
+    Bytes stream = richStream();
+    for (uint64_t n = 1;; ++n) {
+        OpenedStream s(stream, 0, OpenedStream::Deferred{});
+        s.input.failCall(n);
+        s.open();
+        EXPECT_TRUE(s.status == 0 || s.status == 4) << n << ": " << s.status;
+        bool failedNothing = s.input.calls() < n;
+        EXPECT_EQ(s.close(), "") << n;
+        if (failedNothing) break;
+    }
+}
+
+// The shared object a host loads exports one function and no allocator.
+TEST(Container, SharedObjectExportsOneFunctionAndNoHeap) {
+    std::string command = std::string("nm -D ") + TNEF_MODULE_PATH + " 2>&1";
+    FILE* pipe = popen(command.c_str(), "r");
+    ASSERT_NE(pipe, nullptr);
+    std::string exported;
+    std::string imported;
+    char line[512];
+    while (fgets(line, sizeof line, pipe) != nullptr) {
+        std::string text(line);
+        if (text.find(" T ") != std::string::npos) exported += text;
+        if (text.find(" U ") != std::string::npos) imported += text;
+    }
+    ASSERT_EQ(pclose(pipe), 0) << "nm failed";
+    EXPECT_NE(exported.find("tnefGetContainerReaderInterfaceEx"), std::string::npos);
+    EXPECT_EQ(std::count(exported.begin(), exported.end(), '\n'), 1) << exported;
+    for (const char* heap : {" malloc", " calloc", " realloc", " free", " _Znwm", " _Znam",
+                             " _ZdlPv", " _ZdaPv"}) {
+        EXPECT_EQ(imported.find(heap), std::string::npos) << heap << " imported:\n" << imported;
+    }
+}
+
+}  // namespace
+}  // namespace tneftest

@@ -1,0 +1,222 @@
+// The property block decoder: layouts, limits and partial blocks.
+#include <gtest/gtest.h>
+
+#include "stream/records.h"
+#include "tests/support/reader_fixture.h"
+
+namespace tneftest {
+namespace {
+
+// Opens a stream whose message holds `block` as its property block.
+struct BlockUnderTest {
+    explicit BlockUnderTest(const Bytes& block, TnefWriter::RecordOptions options = {}) {
+        TnefWriter w;
+        w.version().record(kLevelMessage, TNEFREC_MAPIPROPS, block, options);
+        base = w.lastDataPosition();
+        w.body("after");
+        stream = std::make_unique<OpenedStream>(w.bytes());
+        message = objectAt(stream->container, 0);
+    }
+    int32_t status() const { return stream->status; }
+    const TnefPropRow& row(int i) const { return message->props[i]; }
+
+    int64_t base = 0;
+    std::unique_ptr<OpenedStream> stream;
+    TnefObject* message = nullptr;
+};
+
+TEST(PropertyBlock, PublishedExample) {
+    BlockUnderTest b(propertyBlock({Prop::string8(0x0037001E, "Hi")}));
+    ASSERT_EQ(b.status(), 0);
+    ASSERT_EQ(b.message->propCount, 1);
+    EXPECT_EQ(b.row(0).tag, 0x0037001Eu);
+    EXPECT_EQ(b.row(0).valueCount, 1);
+    EXPECT_EQ(b.row(0).values[0].located.filePos, b.base + 16);
+    EXPECT_EQ(b.row(0).values[0].located.length, 3);
+    EXPECT_EQ(checksumOf(propertyBlock({Prop::string8(0x0037001E, "Hi")})), 0x010B);
+    EXPECT_EQ(b.message->dataSize, 5) << "the scan went on behind the block";
+}
+
+TEST(PropertyBlock, ValueLayouts) {
+    // Each property is followed by a marker long, whose position shows how
+    // many bytes the property before it took.
+    struct Case {
+        const char* what;
+        Prop prop;
+        uint32_t consumed;  // bytes of the property, tag included
+    };
+    Prop multiLong = Prop::raw(0x00011003, {{1, 0, 0, 0}, {2, 0, 0, 0}, {3, 0, 0, 0}});
+    Prop named6 = Prop::namedString(Prop::int32(0x80020003, 7), bytesOf("abcdef"));
+    const Case cases[] = {
+        {"string of 5", Prop::string8(0x1000001E, "abcd"), 4 + 4 + 4 + 8},
+        {"string of 8", Prop::string8(0x1000001E, "abcdefg"), 4 + 4 + 4 + 8},
+        {"multi-value long of 3", multiLong, 4 + 4 + 12},
+        {"string-named long", named6, 4 + 16 + 4 + 4 + 8 + 4},
+        {"numeric-named id 0xFFFE", Prop::named(Prop::int32(0xFFFE0003, 1), 9), 4 + 24 + 4},
+        {"id 0x7FFF is not named", Prop::int32(0x7FFF0003, 1), 8},
+        {"id 0xFFFF is not named", Prop::int32(0xFFFF0003, 1), 8},
+        {"type 1 takes nothing", Prop::raw(0x10000001, {}), 4},
+        {"type 0 has no count", Prop::raw(0x10000000, {{9, 9}}), 4 + 4 + 4},
+        {"double", Prop::int64(0x10000005, 5), 12},
+        {"clsid", Prop::raw(0x10000048, {Bytes(16, 0x42)}), 20},
+    };
+    for (const Case& c : cases) {
+        Bytes block = propertyBlock({c.prop, Prop::int32(0x66660003, 0x12345678)});
+        BlockUnderTest b(block);
+        ASSERT_EQ(b.status(), 0) << c.what;
+        ASSERT_EQ(b.message->propCount, 2) << c.what;
+        EXPECT_EQ(b.row(1).tag, 0x66660003u) << c.what << ": marker misplaced";
+        EXPECT_EQ(b.row(1).values[0].bytes[0], 0x78) << c.what;
+        EXPECT_EQ(4 + c.consumed + 8, block.size()) << c.what << ": writer disagrees";
+    }
+}
+
+TEST(PropertyBlock, InlineAndLocatedValues) {
+    Prop clsid = Prop::raw(0x00010048, {Bytes{1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16}});
+    BlockUnderTest b(propertyBlock({Prop::int32(0x00170003, -2), clsid, Prop::raw(0x00020001, {}),
+                                    Prop::binary(0x00030102, {1, 2, 3, 4, 5})}));
+    ASSERT_EQ(b.status(), 0);
+    EXPECT_EQ(b.row(0).values[0].bytes[0], 0xFE);
+    EXPECT_EQ(b.row(0).values[0].bytes[4], 0) << "bytes behind a 4-byte value stay zero";
+    EXPECT_EQ(b.row(1).values[0].bytes[15], 16);
+    EXPECT_EQ(b.row(2).valueCount, 1) << "a type without layout still has one zero value";
+    EXPECT_EQ(b.row(2).values[0].located.length, 0);
+    EXPECT_EQ(b.row(3).values[0].located.length, 5);
+}
+
+TEST(PropertyBlock, CountLimits) {
+    struct Case {
+        const char* what;
+        Bytes block;
+        int32_t status;
+        int32_t propCount;
+    };
+    Prop values65535 = Prop::raw(0x00011003, {});
+    values65535.valueCount = 65535;
+    Prop values65536 = values65535;
+    values65536.valueCount = 65536;
+    Prop negativeValues = values65535;
+    negativeValues.valueCount = -1;
+    Prop zeroValues = values65535;
+    zeroValues.valueCount = 0;
+    const Case cases[] = {
+        {"count 65535", propertyBlock({}, 65535), 0, 65535},
+        {"count 65536", propertyBlock({}, 65536), 4, 0},
+        {"negative count", propertyBlock({}, -1), 2, 0},
+        {"count 0", propertyBlock({}, 0), 0, 0},
+        {"value count 65535", propertyBlock({values65535, Prop::int32(0x10, 1)}), 0, 2},
+        {"value count 65536", propertyBlock({values65536, Prop::int32(0x10, 1)}), 4, 0},
+        {"negative value count", propertyBlock({negativeValues, Prop::int32(0x10, 1)}), 2, 0},
+        {"value count 0", propertyBlock({zeroValues, Prop::int32(0x00100003, 1)}), 0, 2},
+    };
+    for (const Case& c : cases) {
+        BlockUnderTest b(c.block);
+        EXPECT_EQ(b.status(), c.status) << c.what;
+        EXPECT_EQ(b.message->propCount, c.propCount) << c.what;
+        EXPECT_EQ(b.message->props == nullptr, c.status != 0) << c.what;
+        EXPECT_EQ(b.stream->close(), "") << c.what;
+    }
+}
+
+TEST(PropertyBlock, ShortBlocks) {
+    for (size_t length = 0; length < 4; ++length) {
+        BlockUnderTest b(Bytes(length, 0x01));
+        EXPECT_EQ(b.status(), 0) << length;
+        EXPECT_EQ(b.message->props, nullptr) << length;
+    }
+    // A block too short for a count leaves the object open for a later one.
+    TnefWriter w;
+    w.version().record(kLevelMessage, TNEFREC_MAPIPROPS, {1, 0});
+    w.messageProps({Prop::int32(0x00170003, 1)});
+    OpenedStream s(w.bytes());
+    EXPECT_EQ(objectAt(s.container, 0)->propCount, 1);
+}
+
+TEST(PropertyBlock, BlockCutInsidePropertyKeepsWhatCameBefore) {
+    std::vector<Prop> props = {Prop::int32(0x00010003, 1), Prop::string8(0x0002001E, "two"),
+                               Prop::int64(0x00030014, 3), Prop::int32(0x00040003, 4)};
+    Bytes whole = propertyBlock(props);
+    size_t startOfThird = 4 + propertyBytes(props[0]).size() + propertyBytes(props[1]).size();
+    for (size_t cut = startOfThird + 1; cut < startOfThird + 12; ++cut) {
+        BlockUnderTest b(Bytes(whole.begin(), whole.begin() + static_cast<long>(cut)));
+        ASSERT_EQ(b.status(), 0) << cut;
+        ASSERT_EQ(b.message->propCount, 4) << cut;
+        EXPECT_EQ(b.row(1).values[0].located.length, 4) << cut;
+        bool tagRead = cut >= startOfThird + 4;
+        EXPECT_EQ(b.row(2).tag, tagRead ? 0x00030014u : 0u) << cut;
+        bool valueRead = cut >= startOfThird + 12;
+        EXPECT_EQ(b.row(2).values != nullptr && b.row(2).values[0].bytes[0] == 3, valueRead) << cut;
+        EXPECT_EQ(b.row(3).tag, 0u) << cut;
+        EXPECT_EQ(b.row(3).values, nullptr) << cut;
+    }
+}
+
+TEST(PropertyBlock, CountNotReadWhenExactlyFourBytesRemain) {
+    Prop multi = Prop::raw(0x00011003, {{5, 0, 0, 0}});
+    multi.writeCount = false;
+    BlockUnderTest b(propertyBlock({multi}));
+    ASSERT_EQ(b.status(), 0);
+    EXPECT_EQ(b.row(0).valueCount, 1);
+    EXPECT_EQ(b.row(0).values[0].bytes[0], 5);
+}
+
+TEST(PropertyBlock, HostileLengthsDoNotWrap) {
+    Prop longValue = Prop::binary(0x00010102, {1, 2});
+    longValue.lengthOverride = 0xFFFFFFFE;
+    Prop longName = Prop::namedString(Prop::int32(0x80000003, 1), bytesOf("n"));
+    longName.nameLengthOverride = 0xFFFFFFFD;
+    for (const Prop& p : {longValue, longName}) {
+        BlockUnderTest b(propertyBlock({p, Prop::int32(0x00020003, 2)}));
+        EXPECT_EQ(b.status(), 0);
+        EXPECT_EQ(b.row(1).tag, 0u) << "decoding ended at the hostile length";
+    }
+    BlockUnderTest b(propertyBlock({longValue}));
+    EXPECT_EQ(b.row(0).values[0].located.length, -2) << "kept as read";
+}
+
+TEST(PropertyBlock, FailuresReleaseTheRows) {
+    struct Case {
+        const char* what;
+        TnefWriter::RecordOptions options;
+    };
+    const Case cases[] = {
+        {"wrong checksum", {.checksum = 0x1234}},
+        {"checksum missing", {.writeChecksum = false}},
+        {"block longer than the input", {.length = 400, .writeChecksum = false}},
+    };
+    for (const Case& c : cases) {
+        BlockUnderTest b(propertyBlock({Prop::int32(0x00170003, 1)}), c.options);
+        EXPECT_EQ(b.status(), 4) << c.what;
+        EXPECT_EQ(b.message->props, nullptr) << c.what;
+        EXPECT_EQ(b.stream->container->summary, nullptr) << c.what << ": no summary after a failure";
+        EXPECT_EQ(b.stream->close(), "") << c.what;
+    }
+}
+
+TEST(PropertyBlock, SecondBlockOfAnObjectIsPassedOver) {
+    TnefWriter w;
+    w.version().messageProps({Prop::int32(0x00170003, 1)});
+    w.messageProps({Prop::int32(0x00170003, 2), Prop::int32(0x00180003, 3)}).body("x");
+    OpenedStream s(w.bytes());
+    TnefObject* message = objectAt(s.container, 0);
+    ASSERT_EQ(message->propCount, 1);
+    EXPECT_EQ(message->props[0].values[0].bytes[0], 1);
+    EXPECT_EQ(message->dataSize, 1);
+}
+
+TEST(PropertyBlock, EveryAllocationRefused) {
+    Bytes stream = buildMessage({.props = {Prop::int32(0x00170003, 1), Prop::string8(0x0037001E, "s")},
+                                 .attachments = {{.props = {Prop::int32(0x37050003, 1)}}}});
+    for (uint64_t n = 1;; ++n) {
+        OpenedStream s(stream, 0, OpenedStream::Deferred{});
+        s.host.memory().refuseRequest(n);
+        s.open();
+        uint64_t used = s.host.memory().requests();
+        EXPECT_TRUE(s.status == 0 || s.status == 2) << n;
+        EXPECT_EQ(s.close(), "") << n;
+        if (n > used) break;
+    }
+}
+
+}  // namespace
+}  // namespace tneftest
