@@ -2,6 +2,7 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -10,8 +11,18 @@
 
 namespace tneftest {
 
+namespace {
+
+tnefhost::HostOptions testHostOptions() {
+    tnefhost::HostOptions options;
+    options.libraryDir = TNEF_BUILD_DIR;
+    return options;
+}
+
+}  // namespace
+
 OpenedStream::OpenedStream(const Bytes& stream, uint32_t flags, Deferred)
-    : input(stream), flags_(flags) {
+    : host(testHostOptions()), input(stream), flags_(flags) {
     memory.owner = this;
     memory.allocator = results.allocator();
 }
@@ -37,6 +48,28 @@ std::string OpenedStream::close() {
 
 OpenedStream::~OpenedStream() {
     close();
+}
+
+Extraction extractSubfile(OpenedStream& stream, int32_t index, uint32_t flags, CharsetId wanted) {
+    tnefhost::MemoryIo output;
+    ExtractRequest request{};
+    request.outputCharset = wanted;
+    Extraction result;
+    result.status =
+        tnefExtractSubfile(stream.container, index, output.io(), &request, &stream.memory, flags);
+    result.bytes = output.bytes();
+    result.size = output.io()->size;
+    result.leftOpen = output.isOpen();
+    result.openCalls = output.calls(tnefhost::IoOp::kOpen);
+    result.resultFlags = request.resultFlags;
+    if (request.subfileName != nullptr) result.subfileName = request.subfileName;
+    if (request.subfilePath != nullptr) result.subfilePath = request.subfilePath;
+    std::copy(std::begin(request.detectedFormat), std::end(request.detectedFormat),
+              std::begin(result.detectedFormat));
+    result.outputCharsetAfter = request.outputCharset;
+    stream.results.release(request.subfileName);
+    stream.results.release(request.subfilePath);
+    return result;
 }
 
 TnefObject* objectAt(TnefContainer* container, int32_t place) {

@@ -16,6 +16,7 @@ namespace tneftest {
 class OpenedStream {
 public:
     explicit OpenedStream(const Bytes& stream, uint32_t flags = 0);
+    // The host looks for the OLE storage library in the build folder.
     ~OpenedStream();
 
     // Fault injection must be set up before open: build with deferOpen, set
@@ -39,6 +40,25 @@ private:
     uint32_t flags_;
     bool closed_ = false;
 };
+
+// What one extraction gave.
+struct Extraction {
+    int32_t status = -1;
+    Bytes bytes;             // what the output holds
+    int64_t size = -1;       // the output's size field afterwards
+    bool leftOpen = false;   // the output was still open on return
+    uint64_t openCalls = 0;  // calls of the output's open
+    uint32_t resultFlags = 0;
+    std::string subfileName;  // from an OLE descriptor
+    std::string subfilePath;
+    uint8_t detectedFormat[16] = {};
+    CharsetId outputCharsetAfter = -1;
+};
+
+// Extracts subfile `index` into a fresh memory output and releases what the
+// request received.
+Extraction extractSubfile(OpenedStream& stream, int32_t index, uint32_t flags = 0,
+                          CharsetId wanted = 0);
 
 // The object at a place of the container's list, or null.
 TnefObject* objectAt(TnefContainer* container, int32_t place);

@@ -1,0 +1,108 @@
+// Library loading, format detection and the scratch and wrapper objects of
+// the POSIX host.
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "host/format_detection.h"
+#include "host/io_objects.h"
+#include "host/posix_host.h"
+#include "tests/support/cfb_writer.h"
+
+namespace tneftest {
+namespace {
+
+using tnefhost::IoOp;
+using tnefhost::MemoryIo;
+using tnefhost::PosixHost;
+
+// hostDetectFormat on `bytes`: the result and the format number.
+std::pair<int32_t, int32_t> detect(HostContext* host, IoObject* io) {
+    uint8_t probe[kFormatProbeSize] = {};
+    std::memset(probe, 0xFF, 8);
+    std::memcpy(probe + kFormatProbeIoOffset, &io, sizeof io);
+    uint8_t format[16] = {};
+    int32_t result = host->hostDetectFormat(host, probe, format);
+    int32_t number = 0;
+    std::memcpy(&number, format + 4, 4);
+    return {result, number};
+}
+
+TEST(HostServices, FormatDetection) {
+    PosixHost host;
+    struct Case {
+        Bytes head;
+        int32_t format;
+    };
+    const Case cases[] = {
+        {buildCfb({{"Contents", bytesOf("x")}}), kFormatOleStorage},
+        {bytesOf("%PDF-1.7\n"), tnefhost::kFormatPdf},
+        {bytesOf("\x89PNG\r\n\x1A\n...."), tnefhost::kFormatPng},
+        {Bytes{0xFF, 0xD8, 0xFF, 0xE0}, tnefhost::kFormatJpeg},
+        {bytesOf("GIF89a"), tnefhost::kFormatGif},
+        {bytesOf("PK\x03\x04"), tnefhost::kFormatZip},
+        {bytesOf("{\\rtf1\\ansi"), tnefhost::kFormatRtf},
+        {bytesOf("  \r\n<!DOCTYPE html><html>"), tnefhost::kFormatHtml},
+        {bytesOf("<HTML>"), tnefhost::kFormatHtml},
+        {bytesOf("plain words"), tnefhost::kFormatBinary},
+        {{}, tnefhost::kFormatBinary},
+        {Bytes{0xD0, 0xCF, 0x11}, tnefhost::kFormatBinary},
+    };
+    for (const Case& c : cases) {
+        MemoryIo io(c.head);
+        io.io()->open(io.io());
+        auto [result, number] = detect(host.context(), io.io());
+        EXPECT_EQ(result, 1);
+        EXPECT_EQ(number, c.format);
+        EXPECT_EQ(io.io()->tell(io.io()), 0) << "left at the start";
+    }
+    MemoryIo unreadable(bytesOf("%PDF"));
+    unreadable.failOperation(IoOp::kSeek, 1);
+    EXPECT_NE(detect(host.context(), unreadable.io()).first, 1);
+    EXPECT_NE(detect(host.context(), nullptr).first, 1);
+}
+
+TEST(HostServices, LibraryLoading) {
+    tnefhost::HostOptions options;
+    options.libraryDir = TNEF_BUILD_DIR;
+    PosixHost host(options);
+    HostContext* c = host.context();
+    void* handle = nullptr;
+    ASSERT_EQ(c->hostLoadLibrary(c, "zdolefio.dll", &handle), 1);
+    EXPECT_NE(handle, nullptr);
+    EXPECT_NE(c->hostGetProcAddress(c, handle, "GetOLEInterface"), nullptr);
+    EXPECT_EQ(c->hostGetProcAddress(c, handle, "NoSuchEntry"), nullptr);
+    void* missing = &handle;
+    EXPECT_EQ(c->hostLoadLibrary(c, "nosuchlibrary.dll", &missing), 0);
+    EXPECT_EQ(missing, nullptr);
+}
+
+TEST(HostServices, ScratchAndWrapper) {
+    PosixHost host;
+    HostContext* c = host.context();
+    IoObject* scratch = c->hostCreateTempIo(c, nullptr, "w+b");
+    ASSERT_NE(scratch, nullptr);
+    ASSERT_EQ(scratch->open(scratch), 1);
+    EXPECT_EQ(scratch->write(scratch, "hello", 5), 1);
+    EXPECT_EQ(scratch->tell(scratch), 5);
+    EXPECT_EQ(scratch->seek(scratch, 1, kSeekSet), 1);
+    char back[8] = {};
+    EXPECT_EQ(scratch->read(scratch, back, 8), 4);
+    EXPECT_STREQ(back, "ello");
+    scratch->close(scratch);
+    scratch->destroy(scratch);
+
+    MemoryIo output;
+    IoObject* wrapper = c->hostWrapOutputIo(c, output.io());
+    ASSERT_NE(wrapper, nullptr);
+    wrapper->open(wrapper);
+    wrapper->write(wrapper, "abc", 3);
+    wrapper->close(wrapper);
+    EXPECT_EQ(output.text(), "abc");
+    EXPECT_TRUE(output.isOpen()) << "the host's output stays open under the wrapper";
+    wrapper->destroy(wrapper);
+    EXPECT_EQ(c->hostWrapOutputIo(c, nullptr), nullptr);
+}
+
+}  // namespace
+}  // namespace tneftest

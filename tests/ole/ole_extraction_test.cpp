@@ -1,0 +1,217 @@
+// OLE attachments: the storage library's loading, the descriptor pass, the
+// payload copy, links and the whole-object fallback.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+#include "tests/support/cfb_writer.h"
+#include "tests/support/ole_descriptors.h"
+#include "tests/support/reader_fixture.h"
+
+namespace tneftest {
+namespace {
+
+constexpr const char* kLogPrefix = "oleExtractSubFileFromOleStream(): ";
+
+// A message whose one attachment is an OLE object holding `object`.
+Bytes oleMessage(const Bytes& object) {
+    Bytes value(16, 0x11);  // the interface identifier in front of the object
+    value.insert(value.end(), object.begin(), object.end());
+    return buildMessage({.props = {Prop::string8(kTagSubject8, "ole")},
+                         .attachments = {{.props = {Prop::int32(kTagAttachMethod, 6),
+                                                    Prop::raw(kTagAttachDataObject, {value})}}}});
+}
+
+Bytes range(const Bytes& bytes, size_t from, size_t count) {
+    from = std::min(from, bytes.size());
+    count = std::min(count, bytes.size() - from);
+    return Bytes(bytes.begin() + static_cast<long>(from), bytes.begin() + static_cast<long>(from + count));
+}
+
+std::vector<std::string> extractionLog(const OpenedStream& s) {
+    std::vector<std::string> lines;
+    for (const std::string& line : s.host.logLines()) {
+        if (line.rfind(kLogPrefix, 0) == 0) lines.push_back(line.substr(std::strlen(kLogPrefix)));
+    }
+    return lines;
+}
+
+TEST(OleExtraction, PayloadStreams) {
+    Bytes main = patternBytes(5000);
+    OlePackage package;
+    package.payload = patternBytes(300, 7);
+    OlePackageBytes packed = ole10NativePackage(package);
+    OlePackage oversized = package;
+    struct Case {
+        const char* what;
+        std::vector<CfbEntrySpec> entries;
+        Bytes expected;
+        std::string name;
+    };
+    const Case cases[] = {
+        {"PBrush: from byte 4, descriptor not parsed",
+         {{"\x01" "CompObj", compObjStream("PBrush")}, {"\x01" "Ole10Native", main}},
+         range(main, 4, 5000), ""},
+        {"Acrobat: main stream from 0",
+         {{"\x01" "CompObj", compObjStream("Acrobat Document")}, {"\x01" "Ole10Native", packed.bytes}},
+         packed.bytes, ""},
+        {"package: payload and name",
+         {{"\x01" "CompObj", compObjStream("Package")}, {"\x01" "Ole10Native", packed.bytes}},
+         package.payload, "report.txt"},
+        {"AttachDesc without CompObj starts at 0",
+         {{"AttachDesc", attachDescStream("desc.doc")}, {"\x01" "Ole10Native", packed.bytes}},
+         packed.bytes, "desc.doc"},
+        {"CompObj and AttachDesc: AttachDesc unread",
+         {{"\x01" "CompObj", compObjStream("Acrobat Document")},
+          {"AttachDesc", attachDescStream("desc.doc")}, {"Contents", main}},
+         main, ""},
+        {"Primary from 176 whatever was said",
+         {{"\x01" "CompObj", compObjStream("Acrobat Document")}, {"\x06" "Primary", main}},
+         range(main, 176, 5000), ""},
+        {"no descriptor: Workbook from 0", {{"Workbook", main}}, main, ""},
+        {"stream of 4086 bytes", {{"CONTENTS", patternBytes(4086)}}, patternBytes(4086), ""},
+        {"stream of 40000 bytes", {{"Package", patternBytes(40000, 3)}}, patternBytes(40000, 3), ""},
+    };
+    for (const Case& c : cases) {
+        for (int version : {3, 4}) {
+            OpenedStream s(oleMessage(buildCfb(c.entries, CfbOptions(version))));
+            Extraction e = extractSubfile(s, 1);
+            EXPECT_EQ(e.status, 0) << c.what;
+            EXPECT_EQ(e.bytes, c.expected) << c.what << " v" << version;
+            EXPECT_EQ(e.subfileName, c.name) << c.what;
+            EXPECT_EQ(e.size, static_cast<int64_t>(c.expected.size())) << c.what;
+            EXPECT_FALSE(e.leftOpen) << c.what;
+            EXPECT_EQ(Bytes(e.detectedFormat, e.detectedFormat + 16), Bytes(16, 0))
+                << c.what << ": cleared after unpacking";
+            EXPECT_TRUE(extractionLog(s).empty()) << c.what;
+            EXPECT_EQ(s.results.liveBlocks(), 0u) << c.what;
+        }
+    }
+}
+
+TEST(OleExtraction, PackageSizes) {
+    OlePackage package;
+    package.payload = patternBytes(100);
+    OlePackageBytes packed = ole10NativePackage(package);
+    for (uint32_t declared : {0u, 10u, 100u, 5000u}) {
+        Bytes bytes = packed.bytes;
+        patchLe32(bytes, static_cast<size_t>(packed.payloadStart) - 4, declared);
+        OpenedStream s(oleMessage(buildCfb(
+            {{"\x01" "CompObj", compObjStream("Package")}, {"\x01" "Ole10Native", bytes}})));
+        Extraction e = extractSubfile(s, 1);
+        EXPECT_EQ(e.status, 0) << declared;
+        EXPECT_EQ(e.bytes, range(bytes, static_cast<size_t>(packed.payloadStart), declared)) << declared;
+    }
+}
+
+TEST(OleExtraction, CopyBufferIsAllocatedOnlyForLargeStreams) {
+    for (size_t size : {4086u, 4087u}) {
+        OpenedStream s(oleMessage(buildCfb({{"Contents", patternBytes(size)}})));
+        Extraction first = extractSubfile(s, 1);  // loads the library
+        uint64_t before = s.results.requests();
+        Extraction e = extractSubfile(s, 1);
+        EXPECT_EQ(e.bytes, patternBytes(size));
+        EXPECT_GE(s.results.requests() - before, size > 4086 ? 1u : 0u) << size;
+        s.results.refuseAbove(4086);
+        EXPECT_EQ(extractSubfile(s, 1).bytes, patternBytes(size)) << "refused chunk: descriptor buffer";
+        s.results.clearFaults();
+    }
+}
+
+TEST(OleExtraction, Links) {
+    OleLink link;
+    OleLinkBytes linked = oleLinkStream(link);
+    {
+        OpenedStream s(oleMessage(buildCfb({{"\x01" "Ole", linked.bytes}})));
+        Extraction e = extractSubfile(s, 1);
+        EXPECT_EQ(e.status, 0);
+        EXPECT_TRUE(e.bytes.empty());
+        EXPECT_EQ(e.subfilePath, link.path);
+        EXPECT_EQ(e.subfileName, link.path);
+        EXPECT_EQ(e.resultFlags & 0xA, 8u);
+    }
+    // The same storage whose Ole stream holds no marker goes out whole.
+    Bytes noMarker = range(linked.bytes, 0, static_cast<size_t>(linked.markerEnd) - 1);
+    Bytes storage = buildCfb({{"\x01" "Ole", noMarker}});
+    OpenedStream s(oleMessage(storage));
+    Extraction e = extractSubfile(s, 1);
+    EXPECT_EQ(e.status, 0);
+    EXPECT_EQ(e.bytes, storage);
+    std::vector<std::string> log = extractionLog(s);
+    EXPECT_EQ(log, std::vector<std::string>{"Failed to find main OLE stream."});
+}
+
+TEST(OleExtraction, NotAStorageGoesOutWhole) {
+    Bytes pdf = bytesOf("%PDF-1.4 not a storage at all");
+    OpenedStream s(oleMessage(pdf));
+    Extraction e = extractSubfile(s, 1);
+    EXPECT_EQ(e.status, 0);
+    EXPECT_EQ(e.bytes, pdf);
+    EXPECT_NE(e.detectedFormat[4] | e.detectedFormat[5], 0) << "the detected format stays";
+}
+
+TEST(OleExtraction, UnreadableStorage) {
+    Bytes broken = buildCfb({{"Contents", patternBytes(100)}});
+    broken[30] = 0x7F;  // sector shift: no reader accepts it
+    OpenedStream s(oleMessage(broken));
+    Extraction e = extractSubfile(s, 1);
+    EXPECT_EQ(e.status, 6);
+    EXPECT_TRUE(e.bytes.empty());
+    EXPECT_EQ(extractionLog(s), std::vector<std::string>{"Failed to open OLE interface."});
+}
+
+TEST(OleExtraction, LibraryLoading) {
+    Bytes stream = oleMessage(buildCfb({{"Contents", patternBytes(10)}}));
+    {
+        OpenedStream s(stream);
+        s.host.context()->hostLoadLibrary = [](HostContext*, const char*, void**) { return 0; };
+        Extraction e = extractSubfile(s, 1);
+        EXPECT_EQ(e.status, 1);
+        EXPECT_TRUE(e.leftOpen) << "no closing steps";
+        EXPECT_EQ(s.container->oleLibrary, nullptr);
+    }
+    {
+        OpenedStream s(stream);
+        s.host.context()->hostGetProcAddress = [](HostContext*, void*, const char*) -> void* {
+            return nullptr;
+        };
+        EXPECT_EQ(extractSubfile(s, 1).status, 23);
+        EXPECT_NE(s.container->oleLibrary, nullptr);
+        EXPECT_EQ(extractSubfile(s, 1).status, 23) << "a later extraction asks again";
+    }
+    {
+        OpenedStream s(stream);
+        EXPECT_EQ(extractSubfile(s, 1).status, 0);
+        void* handle = s.container->oleLibrary;
+        s.host.context()->hostLoadLibrary = [](HostContext*, const char*, void**) { return 0; };
+        EXPECT_EQ(extractSubfile(s, 1).bytes, patternBytes(10)) << "loaded once per container";
+        EXPECT_EQ(s.container->oleLibrary, handle);
+    }
+    {
+        OpenedStream s(stream);
+        s.host.context()->hostCreateTempIo = [](HostContext*, const char*, const char*) -> IoObject* {
+            return nullptr;
+        };
+        Extraction e = extractSubfile(s, 1);
+        EXPECT_EQ(e.status, 16);
+        EXPECT_TRUE(e.leftOpen);
+    }
+}
+
+TEST(OleExtraction, CorpusPackage) {
+    std::string dir = corpusDir();
+    if (dir.empty()) GTEST_SKIP() << "no sample folder (set TNEF_CORPUS or provide ../shared/corpus)";
+    std::ifstream in(dir + "/expected.json");
+    nlohmann::json expected = nlohmann::json::parse(in)["MAPI_OBJECT.tnef"]["subfiles"][1];
+    OpenedStream s(readFile(dir + "/MAPI_OBJECT.tnef"));
+    Extraction e = extractSubfile(s, 1);
+    EXPECT_EQ(e.status, 0);
+    EXPECT_EQ(static_cast<int64_t>(e.bytes.size()), expected["extracted_size"].get<int64_t>());
+    EXPECT_EQ(e.subfileName, expected["ole_subfile_name"].get<std::string>());
+    EXPECT_EQ(range(e.bytes, 0, 5), bytesOf("%PDF-"));
+}
+
+}  // namespace
+}  // namespace tneftest
