@@ -84,6 +84,11 @@ void HostMemory::clearFaults() {
     refuseAbove_ = kLargestRequest;
 }
 
+size_t HostMemory::blockSize(const void* block) const {
+    auto it = live_.find(const_cast<void*>(block));
+    return it == live_.end() ? 0 : it->second;
+}
+
 std::string HostMemory::leakReport() const {
     std::string report;
     for (const auto& [block, size] : live_) {

@@ -33,6 +33,8 @@ public:
     uint64_t requests() const { return requests_; }
     size_t liveBlocks() const { return live_.size(); }
     size_t liveBytes() const { return liveBytes_; }
+    // Size last granted for a live block; 0 for anything else.
+    size_t blockSize(const void* block) const;
     // A line per live block, empty when nothing leaked.
     std::string leakReport() const;
 

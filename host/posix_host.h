@@ -11,6 +11,8 @@
 
 namespace tnefhost {
 
+class CharsetCodecCache;  // host/charset_transcoder.h
+
 struct HostOptions {
     // Memory of the context's allocator; the host makes its own when null.
     HostMemory* memory = nullptr;
@@ -43,6 +45,9 @@ public:
 
     static PosixHost* fromContext(HostContext* context);
 
+    // The iconv descriptors the charset services keep open for this context.
+    CharsetCodecCache& charsetCodecs();
+
     void log(const char* line);
 
 private:
@@ -54,6 +59,7 @@ private:
     std::unique_ptr<HostMemory> ownMemory_;
     HostMemory* memory_;
     std::vector<std::string> logLines_;
+    std::shared_ptr<CharsetCodecCache> charsetCodecs_;
 };
 
 // Service groups, each in its own file.

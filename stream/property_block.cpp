@@ -8,53 +8,15 @@
 #include "reader/bytes.h"
 #include "reader/io.h"
 #include "reader/memory.h"
-#include "reader/trace.h"
 #include "stream/scanner.h"
 
 namespace {
 
-// A cursor over the block. `offset` is 64 bits wide so that an advance by a
-// hostile length can carry it past the end but never wrap it back.
-struct BlockCursor {
-    const uint8_t* bytes;
-    uint64_t length;
-    uint64_t offset;
-    int64_t base;  // input position of the block's first byte
-
-    bool needs(uint64_t n) const { return offset + n <= length; }
-    uint32_t take32() {
-        uint32_t value = tnefLe32(bytes + offset);
-        offset += 4;
-        return value;
-    }
-    uint32_t position() const { return static_cast<uint32_t>(base + static_cast<int64_t>(offset)); }
-};
-
 enum class Step { kGoOn, kStop };
 
-// Passes over the GUID, kind and name of a named property.
-Step skipName(TnefContainer* container, BlockCursor& cursor, uint32_t type) {
-    if (!cursor.needs(16)) return Step::kStop;
-    cursor.offset += 16;
-    if (!cursor.needs(4)) return Step::kStop;
-    uint32_t kind = cursor.take32();
-    if (!cursor.needs(4)) return Step::kStop;
-    uint32_t field = cursor.take32();
-    if (kind == 0) {
-        tnefTracef(container,
-                   "      **Named property ID (INT) 0x%X -- MAPI type %d, 0x%X -- start 0x%X", field,
-                   type, type, cursor.position());
-    } else {
-        tnefTracef(container,
-                   "      **Named property ID (STRING), ID length %d, 0x%X skip ID from offset 0x%X",
-                   static_cast<int32_t>(field), field, cursor.position());
-        cursor.offset += tnefPaddedLength(field);
-    }
-    return Step::kGoOn;
-}
-
 // Reads the values of one row; kStop when a needed field lies past the end.
-Step readValues(TnefContainer* container, BlockCursor& cursor, TnefPropRow* row, uint32_t type) {
+Step readValues(TnefContainer* container, TnefBlockCursor& cursor, TnefPropRow* row,
+                uint32_t type) {
     int32_t layout = tnefValueLayout(type);
     for (int32_t i = 0; i < row->valueCount && cursor.offset < cursor.length; ++i) {
         TnefPropValue* value = &row->values[i];
@@ -63,24 +25,19 @@ Step readValues(TnefContainer* container, BlockCursor& cursor, TnefPropRow* row,
             uint32_t length = cursor.take32();
             value->located.length = static_cast<int32_t>(length);
             value->located.filePos = cursor.base + static_cast<int64_t>(cursor.offset);
-            tnefTracef(container, "      **String or object value start at 0x%X -- length %d, 0x%X",
-                       static_cast<unsigned>(value->located.filePos), static_cast<int32_t>(length),
-                       length);
+            tnefTraceCountedValue(container, value->located.filePos, length);
             cursor.offset += tnefPaddedLength(length);
         } else if (layout > 0) {
             if (!cursor.needs(static_cast<uint64_t>(layout))) return Step::kStop;
             memcpy(value->bytes, cursor.bytes + cursor.offset, static_cast<size_t>(layout));
-            if (layout == 4) {
-                tnefTracef(container, "      **Integer value is %d",
-                           static_cast<int32_t>(tnefLe32(value->bytes)));
-            }
+            if (layout == 4) tnefTraceInteger(container, tnefLe32(value->bytes));
             cursor.offset += static_cast<uint64_t>(layout);
         }
     }
     return Step::kGoOn;
 }
 
-int32_t decodeBlock(TnefContainer* container, TnefObject* object, BlockCursor& cursor) {
+int32_t decodeBlock(TnefContainer* container, TnefObject* object, TnefBlockCursor& cursor) {
     HostAllocator* allocator = tnefHostAllocator(container);
     if (!cursor.needs(4)) return kTnefOk;
     auto count = static_cast<int32_t>(cursor.take32());
@@ -95,27 +52,24 @@ int32_t decodeBlock(TnefContainer* container, TnefObject* object, BlockCursor& c
         TnefPropRow* row = &rows[r];
         if (!cursor.needs(4)) return kTnefOk;
         row->tag = cursor.take32();
-        uint32_t type = row->tag & 0xFFFF;
-        uint32_t id = row->tag >> 16;
-        int32_t multi = (type & kPtMultiValue) != 0 ? 1 : 0;
-        type &= ~static_cast<uint32_t>(kPtMultiValue);
-        if (tnefTypeAlwaysCounted(type)) multi = 1;
-        tnefTracef(container, "    MAPI ID 0x%X -- MAPI type %d, 0x%X -- MV %d -- start offset 0x%X",
-                   id, type, type, multi, cursor.position());
+        TnefTagParts parts = tnefSplitTag(row->tag);
+        tnefTraceTag(container, parts, cursor.position());
 
-        if (tnefIsNamedId(id) && skipName(container, cursor, type) == Step::kStop) return kTnefOk;
+        if (tnefIsNamedId(parts.id) && !tnefSkipPropertyName(container, cursor, parts.type)) {
+            return kTnefOk;
+        }
 
         row->valueCount = 1;
         // Strictly below: when exactly four bytes remain they are the first
         // value, not a count.
-        if (multi == 1 && cursor.offset + 4 < cursor.length) {
+        if (parts.multi == 1 && cursor.offset + 4 < cursor.length) {
             row->valueCount = static_cast<int32_t>(cursor.take32());
         }
         if (row->valueCount > kTnefMaxPropertyCount) return kTnefStreamFailure;
         row->values = static_cast<TnefPropValue*>(allocator->calloc(
             allocator, tnefAllocSize(row->valueCount), sizeof(TnefPropValue)));
         if (row->values == nullptr) return kTnefNoMemory;
-        if (readValues(container, cursor, row, type) == Step::kStop) return kTnefOk;
+        if (readValues(container, cursor, row, parts.type) == Step::kStop) return kTnefOk;
     }
     return kTnefOk;
 }
@@ -143,7 +97,7 @@ int32_t tnefReadPropertyBlock(TnefContainer* container, uint32_t length) {
             tnefChecksumOk(block, length, checksum) == 0) {
             status = kTnefStreamFailure;
         } else {
-            BlockCursor cursor{block, length, 0, base};
+            TnefBlockCursor cursor{block, length, 0, base};
             status = decodeBlock(container, object, cursor);
         }
     }

@@ -4,6 +4,7 @@
 #include "reader/io.h"
 #include "reader/memory.h"
 #include "reader/strings.h"
+#include "stream/address_entry.h"
 #include "stream/message_summary.h"
 #include "stream/property_block.h"
 
@@ -19,48 +20,41 @@ enum : uint32_t {
 // Room for the quotes, blank, angles and terminator in either form.
 enum : int32_t { kSenderDelimiterRoom = 20 };
 
-struct SenderText {
-    uint8_t* bytes = nullptr;
-    int32_t length = 0;  // measured length
+// The bytes of one sender property as read from the input.
+struct SenderValue {
+    uint8_t* bytes = nullptr;  // null: the text is missing
+    int32_t length = 0;
+    uint32_t type = 0;  // MAPI type of the row, multi-value flag removed
 };
 
 // Reads the first value of a row straight from the input, with no length
 // limit. Any failure leaves the text missing.
-SenderText readRowText(TnefContainer* container, HostAllocator* allocator, const TnefPropRow* row,
-                       bool wide) {
-    SenderText text;
-    if (row == nullptr || row->valueCount == 0 || row->values == nullptr) return text;
-    const TnefPropValue& value = row->values[0];
-    int32_t length = value.located.length;
-    if (tnefIoSeek(container->io, value.located.filePos, kSeekSet) == 0) return text;
+SenderValue readRowValue(TnefContainer* container, HostAllocator* allocator,
+                         const TnefPropRow* row) {
+    SenderValue value;
+    if (row == nullptr || row->valueCount == 0 || row->values == nullptr) return value;
+    const TnefPropValue& stored = row->values[0];
+    int32_t length = stored.located.length;
+    if (tnefIoSeek(container->io, stored.located.filePos, kSeekSet) == 0) return value;
     auto* bytes = static_cast<uint8_t*>(tnefAlloc(allocator, length));
-    if (bytes == nullptr) return text;
+    if (bytes == nullptr) return value;
     if (length < 0 || tnefIoRead(container->io, bytes, static_cast<uint32_t>(length)) != length) {
         allocator->free(allocator, bytes);
-        return text;
+        return value;
     }
-    int32_t measured = 0;
-    if (wide) {
-        while (measured + 1 < length && (bytes[measured] != 0 || bytes[measured + 1] != 0)) {
-            measured += 2;
-        }
-    } else {
-        while (measured < length && bytes[measured] != 0) ++measured;
-    }
-    text.bytes = bytes;
-    text.length = measured;
-    return text;
+    value.bytes = bytes;
+    value.length = length;
+    value.type = tnefSplitTag(row->tag).type;
+    return value;
 }
 
-// Writes one delimiter character in the text's form.
-void putDelimiter(uint8_t* out, int32_t* used, uint8_t character, bool wide) {
-    out[(*used)++] = character;
-    if (wide) out[(*used)++] = 0;
-}
-
-void putBytes(uint8_t* out, int32_t* used, const SenderText& text) {
-    if (text.length > 0) memcpy(out + *used, text.bytes, static_cast<size_t>(text.length));
-    *used += text.length;
+// A value as it goes into the sender text. Once a 16-bit property has made
+// the text 16-bit, an 8-bit string among the sender properties is widened
+// byte by byte instead of being read as pairs, so that a mixed message still
+// shows a readable sender.
+TnefEntryText entryTextOf(const SenderValue& value, bool wide) {
+    if (value.bytes == nullptr) return TnefEntryText{nullptr, 0, 0};
+    return tnefEntryText(value.bytes, value.length, value.type, wide);
 }
 
 }  // namespace
@@ -79,13 +73,19 @@ int32_t tnefBuildSender(TnefContainer* container, HostAllocator* allocator, Tnef
     }
     if (wide) message->charset = kCharsetUnicode;
 
-    SenderText name = readRowText(container, allocator, found[0] ? found[0] : found[1], wide);
-    SenderText address = readRowText(container, allocator, found[2] ? found[2] : found[3], wide);
+    // The first choice is taken whenever its row exists, even when it can't
+    // be read: there is no second try with the other row.
+    SenderValue nameValue = readRowValue(container, allocator, found[0] ? found[0] : found[1]);
+    SenderValue addressValue = readRowValue(container, allocator, found[2] ? found[2] : found[3]);
+    TnefEntryText name = entryTextOf(nameValue, wide);
+    TnefEntryText address = entryTextOf(addressValue, wide);
+
     int32_t status = kTnefOk;
     if (name.bytes == nullptr && address.bytes == nullptr) {
         status = kTnefNoName;
     } else {
-        int32_t room = tnefSizeAdd(tnefSizeAdd(name.length, address.length), kSenderDelimiterRoom);
+        int32_t room = tnefSizeAdd(
+            tnefSizeAdd(tnefEntryTextSize(name), tnefEntryTextSize(address)), kSenderDelimiterRoom);
         auto* text = static_cast<uint8_t*>(tnefAlloc(allocator, room));
         auto* element = text == nullptr ? nullptr
                                         : static_cast<MetaElement*>(
@@ -95,29 +95,17 @@ int32_t tnefBuildSender(TnefContainer* container, HostAllocator* allocator, Tnef
             status = kTnefNoMemory;
         } else {
             int32_t used = 0;
-            if (name.bytes != nullptr) {
-                putDelimiter(text, &used, '"', wide);
-                putBytes(text, &used, name);
-                putDelimiter(text, &used, '"', wide);
-                if (address.bytes != nullptr) putDelimiter(text, &used, ' ', wide);
-            }
-            if (address.bytes != nullptr) {
-                putDelimiter(text, &used, '<', wide);
-                putBytes(text, &used, address);
-                putDelimiter(text, &used, '>', wide);
-            }
-            int32_t size = used;
-            putDelimiter(text, &used, 0, wide);
+            tnefPutEntry(text, &used, name, address, wide);
             memset(element, 0, sizeof *element);
             element->value = reinterpret_cast<uintptr_t>(text);
             element->hasValue = 1;
-            element->size = size;
+            element->size = used;
             element->type = wide ? kElementText16 : kElementText8;
             element->name = tnefCopyText(allocator, summaryRows[kSummaryFrom].name);
             container->summary[kSummaryFrom] = element;
         }
     }
-    tnefFree(allocator, name.bytes);
-    tnefFree(allocator, address.bytes);
+    tnefFree(allocator, nameValue.bytes);
+    tnefFree(allocator, addressValue.bytes);
     return status;
 }

@@ -81,7 +81,9 @@ TEST(SubfileNaming, Attachments) {
          "\xC3\xBCn.txt"},
         {{.props = {Prop::string8(kTagAttachLongFilename8, "raw", false)}}, "raw"},
         {{.props = {Prop::unicode(kTagAttachLongFilename16, "wide", false)}}, "wide"},
-        {{.title = "title", .props = {Prop::string8(kTagAttachLongFilename8, "dir/")}}, "dir/"},
+        {{.title = "title", .props = {Prop::string8(kTagAttachLongFilename8, "dir/")}}, ""},
+        {{.title = "title", .props = {Prop::string8(kTagAttachLongFilename8, "dir/", false)}},
+         "dir/"},
     };
     for (const Case& c : cases) {
         Bytes stream = buildMessage({.attachments = {c.attachment}});

@@ -1,0 +1,181 @@
+// Metadata queries: the default set of the message and requests by tag.
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "reader/operations.h"
+#include "tests/support/reader_fixture.h"
+
+namespace tneftest {
+namespace {
+
+constexpr uint64_t kSent = 0x01C9CC5E12345678ull;
+
+Bytes queriedStream(bool withRecipients) {
+    MessageSpec spec{.props = {Prop::unicode(kTagSubject16, "Hi"), Prop::time(kTagClientSubmitTime, kSent),
+                               Prop::int32(kTagImportance, 2), Prop::unicode(kTagSentRepresentingName16, "Ann"),
+                               Prop::int32(0x10000003, 7), Prop::raw(0x10010001, {})},
+                     .attachments = {{.props = {Prop::int32(kTagAttachMethod, 1),
+                                                Prop::string8(kTagAttachLongFilename8, "a.txt")}}}};
+    if (withRecipients) {
+        spec.recipients = std::vector<std::vector<Prop>>{
+            {Prop::string8(kTagDisplayName8, "Bob"), Prop::string8(kTagEmailAddress8, "b@x")}};
+    }
+    return buildMessage(spec);
+}
+
+void release(OpenedStream& s, MetadataResult& result, int32_t slots) {
+    for (int32_t i = 0; result.items != nullptr && i < slots; ++i) {
+        MetaElement* e = result.items[i];
+        if (e == nullptr) continue;
+        if (e->type != 3 && e->type != 1) s.results.release(reinterpret_cast<void*>(e->value));
+        s.results.release(e->name);
+        s.results.release(e);
+    }
+    s.results.release(result.items);
+}
+
+TEST(Metadata, DefaultSetOfTheMessage) {
+    for (bool withRecipients : {false, true}) {
+        OpenedStream s(queriedStream(withRecipients));
+        MetadataResult result{};
+        ASSERT_EQ(tnefGetSubfileMetadata(s.container, 0, 0, nullptr, &result, &s.memory), 0);
+        ASSERT_EQ(result.count, 7);
+        const char* names[] = {"From", "Sent", "To", "Cc", "Bcc", "Subject", "Priority"};
+        for (int i = 0; i < 7; ++i) EXPECT_STREQ(result.items[i]->name, names[i]);
+        MetaElement* from = result.items[0];
+        ASSERT_EQ(from->type, 8);
+        const uint8_t* fromBytes = reinterpret_cast<const uint8_t*>(from->value);
+        EXPECT_EQ(Bytes(fromBytes, fromBytes + from->size), utf16("\"Ann\""));
+        uint64_t sent = 0;
+        std::memcpy(&sent, reinterpret_cast<void*>(result.items[1]->value), 8);
+        EXPECT_EQ(sent, kSent);
+        MetaElement* subject = result.items[5];
+        EXPECT_EQ(subject->type, 8);
+        ASSERT_EQ(subject->size, 6);
+        const uint8_t* bytes = reinterpret_cast<const uint8_t*>(subject->value);
+        EXPECT_EQ(Bytes(bytes, bytes + 8), (Bytes{'H', 0, 'i', 0, 0, 0, 0, 0}))
+            << "two zero bytes behind the copy";
+        EXPECT_EQ(result.items[6]->type, 3);
+        EXPECT_EQ(result.items[6]->value, 2u);
+        if (!withRecipients) {
+            for (int i = 2; i <= 4; ++i) {
+                EXPECT_EQ(result.items[i]->hasValue, 0) << i;
+                EXPECT_EQ(result.items[i]->type, 0) << i;
+                EXPECT_EQ(result.items[i]->value, 0u) << i;
+            }
+        }
+        release(s, result, 7);
+        EXPECT_EQ(s.results.liveBlocks(), 0u);
+    }
+}
+
+TEST(Metadata, EntryChecks) {
+    OpenedStream s(queriedStream(false));
+    OpenedStream rooted(queriedStream(false), 0x40000);
+    MetadataRequest request{0, kTagSubject16};
+    MetadataRequest* list[] = {&request};
+    ResultMemory noAllocator{&s, nullptr};
+    struct Case {
+        const char* what;
+        TnefContainer* container;
+        int32_t index;
+        int32_t count;
+        MetadataRequest** requests;
+        ResultMemory* memory;
+        int32_t status;
+    };
+    const Case cases[] = {
+        {"null container", nullptr, 0, 0, nullptr, &s.memory, 34},
+        {"null memory", s.container, 0, 0, nullptr, nullptr, 34},
+        {"null allocator", s.container, 0, 0, nullptr, &noAllocator, 34},
+        {"negative count", s.container, 0, -1, list, &s.memory, 34},
+        {"count 0 with a list, bad index", s.container, 99, 0, list, &s.memory, 0},
+        {"count without a list", s.container, 0, 1, nullptr, &s.memory, 34},
+        {"index too large", s.container, 2, 1, list, &s.memory, 34},
+        {"negative index", s.container, -1, 1, list, &s.memory, 34},
+        {"attachment, default mode", s.container, 1, 0, nullptr, &s.memory, 0},
+        {"root entry", rooted.container, 0, 1, list, &rooted.memory, 0},
+        {"root entry, default", rooted.container, 0, 0, nullptr, &rooted.memory, 0},
+    };
+    for (const Case& c : cases) {
+        MetadataResult result{nullptr, -9, nullptr};
+        EXPECT_EQ(tnefGetSubfileMetadata(c.container, c.index, c.count, c.requests, &result, c.memory),
+                  c.status)
+            << c.what;
+        EXPECT_EQ(result.count, -9) << c.what << ": nothing written";
+        EXPECT_EQ(result.items, nullptr) << c.what;
+    }
+    MetadataResult result{};
+    EXPECT_EQ(tnefGetSubfileMetadata(s.container, 0, 0, nullptr, nullptr, &s.memory), 34);
+    EXPECT_EQ(tnefGetSubfileMetadata(rooted.container, 1, 0, nullptr, &result, &rooted.memory), 0);
+    EXPECT_EQ(result.count, 7) << "with the root entry, index 1 is the message";
+    release(rooted, result, 7);
+}
+
+TEST(Metadata, RequestsByTag) {
+    OpenedStream s(queriedStream(false));
+    struct Case {
+        const char* what;
+        std::vector<uint32_t> tags;
+        int32_t index;
+        std::vector<uint32_t> found;  // tags of the answer, packed
+        bool itemsWritten;
+    };
+    const Case cases[] = {
+        {"middle one absent", {kTagSubject16, 0x0ABC0003, kTagImportance}, 0,
+         {kTagSubject16, kTagImportance}, true},
+        {"8-bit tag of a 16-bit subject", {kTagSubject8}, 0, {}, true},
+        {"none passes the filter", {0x00001003, 0xFFFF0003, 0x12341003, 0x00370008}, 0, {}, false},
+        {"type 1 found without value", {0x10010001}, 0, {0x10010001}, true},
+        {"attachment", {kTagAttachLongFilename8}, 1, {kTagAttachLongFilename8}, true},
+    };
+    for (const Case& c : cases) {
+        std::vector<MetadataRequest> requests;
+        for (uint32_t tag : c.tags) requests.push_back({0, tag});
+        std::vector<MetadataRequest*> list;
+        for (auto& r : requests) list.push_back(&r);
+        list.push_back(nullptr);
+        MetadataRequest otherKind{1, kTagSubject16};
+        list.push_back(&otherKind);
+        MetadataResult result{nullptr, -9, nullptr};
+        EXPECT_EQ(tnefGetSubfileMetadata(s.container, c.index, static_cast<int32_t>(list.size()),
+                                         list.data(), &result, &s.memory),
+                  0)
+            << c.what;
+        EXPECT_EQ(result.items != nullptr, c.itemsWritten) << c.what;
+        EXPECT_EQ(result.count, c.found.empty() ? -9 : static_cast<int32_t>(c.found.size())) << c.what;
+        for (size_t i = 0; i < c.found.size(); ++i) {
+            EXPECT_EQ(result.items[i]->tag, c.found[i]) << c.what;
+            EXPECT_EQ(result.items[i]->name, nullptr) << c.what;
+        }
+        release(s, result, static_cast<int32_t>(c.tags.size()));
+        EXPECT_EQ(s.results.liveBlocks(), 0u) << c.what;
+    }
+}
+
+TEST(Metadata, RefusedMemory) {
+    // Default mode: a partial answer stands; request mode: no answer.
+    for (uint64_t n = 1; n < 40; ++n) {
+        OpenedStream s(queriedStream(true));
+        s.results.refuseRequest(n);
+        MetadataResult result{};
+        int32_t status = tnefGetSubfileMetadata(s.container, 0, 0, nullptr, &result, &s.memory);
+        EXPECT_TRUE(status == 0 || status == 2) << n;
+        release(s, result, result.items != nullptr ? 7 : 0);
+        EXPECT_EQ(s.results.liveBlocks(), 0u) << n;
+    }
+    OpenedStream s(queriedStream(false));
+    MetadataRequest request{0, kTagSubject16};
+    MetadataRequest* list[] = {&request};
+    for (uint64_t n : {1u, 2u}) {
+        s.results.refuseRequest(n);
+        MetadataResult result{nullptr, -9, nullptr};
+        EXPECT_EQ(tnefGetSubfileMetadata(s.container, 0, 1, list, &result, &s.memory), 2) << n;
+        EXPECT_EQ(result.count, -9);
+        EXPECT_EQ(s.results.liveBlocks(), 0u) << n;
+    }
+}
+
+}  // namespace
+}  // namespace tneftest

@@ -1,0 +1,283 @@
+// The host's charset services: conversions through iconv and the built-in
+// tables, both calling conventions, replacements, lead bytes and HTML
+// escaping.
+#include "host/charsets.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "host/posix_host.h"
+#include "reader/charset_names.h"
+
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+Bytes bytesOf(const std::string& text) { return Bytes(text.begin(), text.end()); }
+
+Bytes utf16(const std::u16string& text) {
+    Bytes out;
+    for (char16_t unit : text) {
+        out.push_back(static_cast<uint8_t>(unit & 0xFF));
+        out.push_back(static_cast<uint8_t>(unit >> 8));
+    }
+    return out;
+}
+
+struct Converted {
+    int32_t status = 0;
+    Bytes bytes;
+};
+
+// Measures, then converts into a buffer of the measured size, to or from
+// charset `id`; both calls must agree on the length.
+Converted convert(HostContext* host, bool toUnicode, CharsetId id, const Bytes& in) {
+    auto service = toUnicode ? host->hostCharsetToUnicode : host->hostUnicodeToCharset;
+    uint8_t replacement = toUnicode ? 0x20 : '?';
+    host->currentCharset = id;
+    HostText source{in.data(), static_cast<int32_t>(in.size())};
+    HostTextBuffer measure{nullptr, 0};
+    int32_t measured = service(host, &source, &measure, replacement, 0);
+    Bytes out(static_cast<size_t>(measure.length) + 1, 0xEE);
+    HostTextBuffer target{out.data(), measure.length};
+    Converted result{service(host, &source, &target, replacement, 0), {}};
+    EXPECT_EQ(measured, result.status);
+    EXPECT_EQ(measure.length, target.length);
+    EXPECT_EQ(out.back(), 0xEE) << "wrote past the capacity";
+    result.bytes.assign(out.begin(), out.begin() + target.length);
+    return result;
+}
+
+TEST(CharsetNames, TableRowsAndLookups) {
+    int named = 0;
+    for (CharsetId id = 1; id <= kCharsetNameCount; ++id) {
+        bool unnamed = id == 50 || (id >= 58 && id <= 65) || (id >= 70 && id <= 93);
+        EXPECT_EQ(unnamed, tnefhost::charsetName(id).empty()) << id;
+        if (!unnamed) {
+            ++named;
+            EXPECT_EQ(id, tnefhost::charsetByName(tnefhost::charsetName(id))) << id;
+        }
+    }
+    EXPECT_EQ(61, named);
+    EXPECT_EQ("", tnefhost::charsetName(0) + tnefhost::charsetName(95));
+    EXPECT_EQ(1, tnefhost::charsetByName("SHIFT_jis"));
+    EXPECT_EQ(51, tnefhost::charsetByName("ISO-10646"));
+    EXPECT_EQ(0, tnefhost::charsetByName("") + tnefhost::charsetByName("utf-8 "));
+}
+
+TEST(CharsetServices, EveryNamedIdOpensBothDirections) {
+    tnefhost::PosixHost host;
+    HostContext* c = host.context();
+    for (CharsetId id = 1; id <= kCharsetNameCount; ++id) {
+        bool named = !tnefhost::charsetName(id).empty();
+        Converted out = convert(c, false, id, utf16(u"Az"));
+        EXPECT_EQ(named ? 1 : 0, out.status) << id;
+        EXPECT_EQ(named, !out.bytes.empty()) << id;
+        if (!named) continue;
+        Converted back = convert(c, true, id, out.bytes);
+        EXPECT_EQ(1, back.status) << id;
+        EXPECT_EQ(utf16(u"Az"), back.bytes) << id;
+    }
+    EXPECT_EQ(0, convert(c, false, 95, utf16(u"A")).status);
+    EXPECT_EQ(0, convert(c, false, -1, utf16(u"A")).status);
+}
+
+TEST(CharsetServices, RoundTripsWithExactBytes) {
+    struct Case {
+        CharsetId id;
+        std::u16string text;
+        Bytes encoded;
+    };
+    const Case cases[] = {
+        {1, u"日本\\~", {0x93, 0xFA, 0x96, 0x7B, 0x5C, 0x7E}},
+        {2, u"中文", {0xD6, 0xD0, 0xCE, 0xC4}},
+        {3, u"中文", {0xA4, 0xA4, 0xA4, 0xE5}},
+        {4, u"한국", {0xC7, 0xD1, 0xB1, 0xB9}},
+        {5, u"Łódź", {0xA3, 0xF3, 0x64, 0x9F}},
+        {6, u"Привет", {0xCF, 0xF0, 0xE8, 0xE2, 0xE5, 0xF2}},
+        {7, u"€ café", {0x80, 0x20, 0x63, 0x61, 0x66, 0xE9}},
+        {8, u"Ωμέγα", {0xD9, 0xEC, 0xDD, 0xE3, 0xE1}},
+        {9, u"ğış", {0xF0, 0xFD, 0xFE}},
+        {10, u"שלום", {0xF9, 0xEC, 0xE5, 0xED}},
+        {11, u"سلام", {0xD3, 0xE1, 0xC7, 0xE3}},
+        {12, u"ąčę", {0xE0, 0xE8, 0xE6}},
+        {13, u"Việt", {0x56, 0x69, 0xEA, 0xF2, 0x74}},  // base letter + combining mark
+        {41, u"ไทย", {0xE4, 0xB7, 0xC2}},
+        {53, u"\U0001F600é", {0xF0, 0x9F, 0x98, 0x80, 0xC3, 0xA9}},
+        {55, u"日本", {0x1B, 0x24, 0x42, 0x46, 0x7C, 0x4B, 0x5C, 0x1B, 0x28, 0x42}},
+        {44, u"\u2019\uFB01", {0x27, 0xAE}},  // Adobe StandardEncoding
+        {45, u"€•Ÿ", {0xA0, 0x80, 0x98}},     // PDFDocEncoding
+        {51, u"a€", {0x61, 0x00, 0xAC, 0x20}},
+    };
+    tnefhost::PosixHost host;
+    for (const Case& test : cases) {
+        Converted out = convert(host.context(), false, test.id, utf16(test.text));
+        EXPECT_EQ(1, out.status) << test.id;
+        EXPECT_EQ(test.encoded, out.bytes) << test.id;
+        Converted back = convert(host.context(), true, test.id, test.encoded);
+        EXPECT_EQ(1, back.status) << test.id;
+        EXPECT_EQ(utf16(test.text), back.bytes) << test.id;
+    }
+}
+
+TEST(CharsetServices, ReplacementsKeepTheRestOfTheText) {
+    struct Case {
+        const char* what;
+        bool toUnicode;
+        CharsetId id;
+        Bytes in;
+        Bytes out;
+    };
+    const Case cases[] = {
+        {"character the charset lacks", false, 7, utf16(u"a中b"), bytesOf("a?b")},
+        {"lone surrogate", false, 53, utf16(u"\xD800z"), bytesOf("?z")},
+        {"odd last byte", false, 7, {'a', 0, 'b'}, bytesOf("a?")},
+        {"replacement shifts back to ASCII",
+         false,
+         55,
+         utf16(u"日€"),
+         {0x1B, 0x24, 0x42, 0x46, 0x7C, 0x1B, 0x28, 0x42, '?'}},
+        {"replacement as an EBCDIC character", false, 46, utf16(u"a€"), {0x81, 0x6F}},
+        {"outside a byte table", false, 44, utf16(u"é"), bytesOf("?")},
+        {"invalid UTF-8", true, 53, {0xFF, 'a', 'b'}, utf16(u" ab")},
+        {"lead byte cut off", true, 1, {'a', 0x93}, utf16(u"a ")},
+        {"unassigned byte of a table", true, 45, {0xAD, 'x'}, utf16(u" x")},
+    };
+    tnefhost::PosixHost host;
+    for (const Case& test : cases) {
+        Converted result = convert(host.context(), test.toUnicode, test.id, test.in);
+        EXPECT_EQ(1, result.status) << test.what;
+        EXPECT_EQ(test.out, result.bytes) << test.what;
+    }
+}
+
+TEST(CharsetServices, CharsetToCharsetAndDefault) {
+    tnefhost::HostOptions options;
+    options.defaultCharset = kCharsetUtf8;
+    tnefhost::PosixHost host(options);
+    HostContext* c = host.context();
+    Bytes cyrillic = {0xCF, 0xF0}, out(8);  // "Пр" in windows-1251
+    HostText source{cyrillic.data(), 2};
+    for (CharsetId current : {0, 7}) {  // 0: the host's default, UTF-8 here
+        c->currentCharset = current;
+        HostTextBuffer target{out.data(), 8};
+        EXPECT_EQ(1, c->hostCharsetToCharset(c, 6, &source, &target, '#'));
+        EXPECT_EQ(current == 0 ? (Bytes{0xD0, 0x9F, 0xD1, 0x80}) : bytesOf("##"),
+                  Bytes(out.begin(), out.begin() + target.length));
+        EXPECT_EQ(current, c->currentCharset) << "services don't change currentCharset";
+    }
+}
+
+TEST(CharsetServices, BadArgumentsAndSmallTargets) {
+    tnefhost::PosixHost host;
+    HostContext* c = host.context();
+    Bytes text = utf16(u"a日");
+    uint8_t out[8] = {};
+    struct Case {
+        const char* what;
+        CharsetId charset;
+        HostText source;
+        HostTextBuffer target;
+        int32_t status;
+        int32_t length;  // stored in the target
+    };
+    const Case cases[] = {
+        {"room for a, not for both bytes of 日", 1, {text.data(), 4}, {out, 2}, 0, 1},
+        {"no room", 1, {text.data(), 4}, {out, 0}, 0, 0},
+        {"null target with a length", 1, {text.data(), 4}, {nullptr, 5}, 0, 0},
+        {"negative source length", 1, {text.data(), -1}, {out, 8}, 0, 0},
+        {"null source bytes", 1, {nullptr, 3}, {out, 8}, 0, 0},
+        {"empty source", 1, {nullptr, 0}, {nullptr, 0}, 1, 0},
+        {"numbered but unnamed charset", 60, {text.data(), 4}, {nullptr, 0}, 0, 0},
+    };
+    for (const Case& test : cases) {
+        c->currentCharset = test.charset;
+        HostTextBuffer target = test.target;
+        EXPECT_EQ(test.status, c->hostUnicodeToCharset(c, &test.source, &target, '?', 0))
+            << test.what;
+        EXPECT_EQ(test.length, target.length) << test.what;
+    }
+    EXPECT_EQ('a', out[0]);
+    HostTextBuffer target{out, 8};
+    EXPECT_EQ(0, c->hostUnicodeToCharset(c, nullptr, &target, '?', 0));
+}
+
+TEST(CharsetServices, LeadByteBoundaries) {
+    struct Case {
+        CharsetId id;
+        uint8_t byte;
+        int32_t lead;
+    };
+    const Case cases[] = {
+        {1, 0x80, 0}, {1, 0x81, 1}, {1, 0x9F, 1}, {1, 0xA0, 0},  {1, 0xDF, 0}, {1, 0xE0, 1},
+        {1, 0xFC, 1}, {1, 0xFD, 0}, {2, 0x80, 0}, {2, 0x81, 1},  {2, 0xFE, 1}, {2, 0xFF, 0},
+        {3, 0x80, 0}, {3, 0x81, 1}, {3, 0xFE, 1}, {3, 0xFF, 0},  {4, 0x80, 0}, {4, 0x81, 1},
+        {4, 0xFE, 1}, {4, 0xFF, 0}, {7, 0x81, 0}, {53, 0xE3, 0}, {0, 0x81, 1},
+    };
+    tnefhost::HostOptions options;
+    options.defaultCharset = kCharsetShiftJis;
+    tnefhost::PosixHost host(options);
+    HostContext* c = host.context();
+    for (const Case& test : cases) {
+        EXPECT_EQ(test.lead, c->hostIsLeadByte(c, test.byte, test.id))
+            << test.id << " " << int(test.byte);
+    }
+    // What the RTF header relies on: every character the charset writes in
+    // two bytes starts with a lead byte, and no one-byte character is one.
+    for (CharsetId id = 1; id <= 4; ++id) {
+        c->currentCharset = id;
+        for (uint32_t unit = 0x80; unit <= 0xFFFF; ++unit) {
+            if (unit >= 0xD800 && unit <= 0xDFFF) continue;
+            uint8_t in[2] = {static_cast<uint8_t>(unit), static_cast<uint8_t>(unit >> 8)};
+            uint8_t out[10];
+            HostText source{in, 2};
+            HostTextBuffer target{out, 10};
+            if (c->hostUnicodeToCharset(c, &source, &target, '?', 0) == 0) continue;
+            bool twoBytes = target.length == 2;
+            ASSERT_EQ(twoBytes ? 1 : 0, c->hostIsLeadByte(c, out[0], id)) << id << " " << unit;
+        }
+    }
+}
+
+TEST(CharsetServices, HtmlEscaping) {
+    struct Case {
+        CharsetId id;
+        Bytes in;
+        Bytes out;
+    };
+    const Case cases[] = {
+        {7, bytesOf("a<b>&\"c'\xE9"), bytesOf("a&lt;b&gt;&amp;&quot;c'\xE9")},
+        {1, {0x93, 0xFA, '<'}, {0x93, 0xFA, '&', 'l', 't', ';'}},
+        {51, utf16(u"<é"), utf16(u"&lt;é")},
+        {46, {0x4C, 0x81}, {0x50, 0x93, 0xA3, 0x5E, 0x81}},  // EBCDIC "<a"
+        {55,
+         {0x1B, '$', 'B', '<', '!', 0x1B, '(', 'B', '<'},
+         {0x1B, '$', 'B', '<', '!', 0x1B, '(', 'B', '&', 'l', 't', ';'}},
+        {57, {0x0E, '<', '!', 0x0F, '&'}, {0x0E, '<', '!', 0x0F, '&', 'a', 'm', 'p', ';'}},
+        {7, {}, {}},
+    };
+    tnefhost::PosixHost host;
+    HostContext* c = host.context();
+    for (const Case& test : cases) {
+        c->currentCharset = test.id;
+        HostText source{test.in.data(), static_cast<int32_t>(test.in.size())};
+        HostTextBuffer measure{nullptr, 0};
+        EXPECT_EQ(1, c->hostTransformText(c, &source, &measure, 0));
+        EXPECT_EQ(static_cast<int32_t>(test.out.size()), measure.length) << test.id;
+
+        Bytes exact(test.out.size() + 1, 0xEE);
+        HostTextBuffer target{exact.data(), measure.length};
+        EXPECT_EQ(1, c->hostTransformText(c, &source, &target, 0));
+        EXPECT_EQ(test.out, Bytes(exact.begin(), exact.begin() + target.length)) << test.id;
+        EXPECT_EQ(0xEE, exact.back());
+
+        if (test.out.empty()) continue;
+        target = {exact.data(), measure.length - 1};  // one byte short: refused whole
+        EXPECT_EQ(0, c->hostTransformText(c, &source, &target, 0)) << test.id;
+        EXPECT_EQ(0, target.length);
+    }
+}
+
+}  // namespace

@@ -1,0 +1,262 @@
+#include "ole/descriptor_parsers.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <memory>
+
+#include "host/posix_host.h"
+#include "tests/support/ole_descriptors.h"
+
+using namespace tneftest;
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+const std::string kCompObj = "oleProcessCompObjStream(): ";
+const std::string kNative = "oleProcessOle10NativeStream(): Not enough data in buffer (while ";
+const std::string kOle = "oleProcessOleStream(): ";
+const std::string kNoMemory =
+    "oleProcessString(): Failed to allocate output string from input string...";
+
+class DescriptorParsers : public ::testing::Test {
+protected:
+    ~DescriptorParsers() override {
+        reset();
+        EXPECT_EQ(results.leakReport(), "");
+    }
+    // The parsers run on the first `count` bytes, copied into a block of
+    // exactly that size: ASan reports any read at or past `count`.
+    const uint8_t* cut(const Bytes& bytes, size_t count) {
+        block.reset(new uint8_t[count]);
+        std::memcpy(block.get(), bytes.data(), count);
+        return block.get();
+    }
+    int32_t compObj(const Bytes& b, size_t n) {
+        return oleProcessCompObjStream(host.context(), cut(b, n), n, &start);
+    }
+    int32_t native(const Bytes& b, size_t n) {
+        return oleProcessOle10NativeStream(host.context(), allocator, cut(b, n), n, &start, &size,
+                                           &name);
+    }
+    int32_t attachDesc(const Bytes& b, size_t n) {
+        return oleProcessAttachDescStream(host.context(), allocator, cut(b, n), n, &name);
+    }
+    int32_t link(const Bytes& b, size_t n, int32_t hits = 1, bool second = true) {
+        return oleProcessOleStream(host.context(), allocator, cut(b, n), n, hits, &name,
+                                   second ? &path : nullptr);
+    }
+    char* old(const char* text) {
+        char* copy = static_cast<char*>(results.allocate(std::strlen(text) + 1));
+        return std::strcpy(copy, text);
+    }
+    std::string text(const char* stored) const { return stored ? stored : "(null)"; }
+    Lines log() const { return host.logLines(); }
+    void reset() {
+        results.release(name);
+        results.release(path);
+        name = path = nullptr;
+        host.clearLog();
+        results.clearFaults();
+    }
+
+    tnefhost::PosixHost host;
+    tnefhost::HostMemory results;
+    HostAllocator* allocator = results.allocator();
+    std::unique_ptr<uint8_t[]> block;
+    char* name = nullptr;
+    char* path = nullptr;
+    int32_t start = 99, size = 99;
+};
+
+TEST_F(DescriptorParsers, CompObjUserTypes) {
+    Bytes noName(32, 0xEE);
+    noName.push_back(0);
+    EXPECT_EQ(compObj(noName, 33), 6);
+    EXPECT_EQ(log(), Lines{kCompObj + "No name in buffer."});
+    const std::pair<std::string, int32_t> cases[] = {
+        {"Acrobat Document", 0},
+        {"Lotus Freelance 9 Presentation", 0},
+        {"Lotus 1-2-3 9 Workbook", 0},
+        {"Lotus Notes", -1},
+        {"Microsoft Graph 2000", 0},
+        {"Microsoft Word Document", -1},
+        {"Microsoft ", -1},
+        {"PBrush", 4},
+        {"Wave Sound", 4},
+        {"PBRUSH", -1},
+        {"Package", -1},
+    };
+    for (const auto& [userType, expected] : cases) {
+        Bytes bytes = compObjStream(userType);
+        EXPECT_EQ(compObj(bytes, bytes.size()), 0);
+        EXPECT_EQ(start, expected) << userType;
+    }
+}
+
+TEST_F(DescriptorParsers, CompObjEveryTruncation) {
+    const Bytes bytes = compObjStream("Wave Sound");  // the NUL stands at 42
+    for (size_t count = 0; count <= bytes.size(); ++count) {
+        std::string expected = count <= 32   ? "skipping 1st 32 bytes"
+                               : count <= 42 ? "getting 1st string"
+                                             : "";
+        EXPECT_EQ(compObj(bytes, count), expected.empty() ? 0 : 6) << count;
+        EXPECT_EQ(start, expected.empty() ? 4 : -1) << count;
+        EXPECT_EQ(log(), expected.empty() ? Lines{}
+                                          : Lines{kCompObj + "Not enough data in buffer (while " +
+                                                  expected + ")."});
+        host.clearLog();
+    }
+}
+
+TEST_F(DescriptorParsers, Ole10NativeBitmapRunsToTheEndOfWhatWasRead) {
+    char* earlier = name = old("earlier");
+    EXPECT_EQ(native(ole10NativeBitmap(2), 6), 0);
+    EXPECT_EQ(start, 4);
+    EXPECT_EQ(size, 2);
+    EXPECT_EQ(native(ole10NativeBitmap(100000 - 4), 4086), 0);
+    EXPECT_EQ(size, 4082);
+    EXPECT_EQ(name, earlier);
+    EXPECT_EQ(log(), Lines{});
+}
+
+TEST_F(DescriptorParsers, Ole10NativePackageNamesAndLocatesThePayload) {
+    name = old("earlier");
+    OlePackageBytes package = ole10NativePackage({.label = "a:b?c&d\xE9/e.txt"});
+    EXPECT_EQ(native(package.bytes, package.bytes.size()), 0);
+    EXPECT_EQ(start, package.payloadStart);
+    EXPECT_EQ(size, 13);
+    EXPECT_STREQ(name, "a;b#c$d_\\e.txt");
+    EXPECT_EQ(results.liveBlocks(), 1u);  // the earlier name was freed
+
+    results.refuseRequest(1);
+    EXPECT_EQ(native(package.bytes, package.bytes.size()), 2);
+    EXPECT_STREQ(name, "a;b#c$d_\\e.txt");
+    EXPECT_EQ(start, 0);
+    EXPECT_EQ(log(), (Lines{kNoMemory, "a:b?c&d\xE9/e.txt"}));
+}
+
+TEST_F(DescriptorParsers, Ole10NativeEveryTruncation) {
+    const OlePackageBytes p = ole10NativePackage({});
+    for (int32_t count = 0; count <= static_cast<int32_t>(p.bytes.size()); ++count) {
+        size = -7;
+        int32_t status = native(p.bytes, count);
+        // The last failure is a payload that would start right at the end.
+        std::string expected = count <= 6                   ? "skipping 1st 6 bytes"
+                               : count <= p.labelEnd        ? "skipping 1st string"
+                               : count <= p.pathEnd         ? "skipping 2nd string"
+                               : count <= p.pathEnd + 9     ? "skipping 8 bytes after 2nd string"
+                               : count <= p.tempPathEnd + 4 ? "skipping 3rd string"
+                               : count == p.payloadStart    ? "skipping 4 bytes after 3rd string"
+                                                            : "";
+        EXPECT_EQ(status, expected.empty() ? 0 : 6) << count;
+        EXPECT_EQ(start, expected.empty() ? p.payloadStart : 0) << count;
+        EXPECT_EQ(size, count >= p.payloadStart ? 13 : -7) << count;
+        EXPECT_EQ(text(name), count > p.labelEnd ? "report.txt" : "(null)");
+        EXPECT_EQ(log(), expected.empty() ? Lines{} : Lines{kNative + expected + ")."}) << count;
+        reset();
+    }
+}
+
+TEST_F(DescriptorParsers, AttachDescDropsPathCharacters) {
+    const std::pair<Bytes, const char*> cases[] = {
+        {attachDescStream("C:\\Users\\me\\caf\xE9.doc"), "CUsersmecaf\xE9.doc"},
+        {attachDescStream("a\x01\"*/:<>?\\|\037b"), "ab"},
+        {attachDescStream(""), "earlier"},                // empty name: nothing stored or freed
+        {Bytes{0, 0, 0, 0, 0x0A, 'n', 0x0D}, "earlier"},  // no 0x0D at offset 4
+    };
+    for (const auto& [bytes, stored] : cases) {
+        name = old("earlier");
+        EXPECT_EQ(attachDesc(bytes, bytes.size()), 0);
+        EXPECT_STREQ(name, stored);
+        reset();
+    }
+    const Bytes bytes = attachDescStream("x.doc");  // the second 0x0D stands at 10
+    for (size_t count = 0; count < bytes.size(); ++count) {
+        EXPECT_EQ(attachDesc(bytes, count), 0);
+        EXPECT_EQ(text(name), count > 10 ? "x.doc" : "(null)") << count;
+        reset();
+    }
+    name = old("earlier");
+    results.refuseRequest(1);
+    EXPECT_EQ(attachDesc(bytes, bytes.size()), 2);
+    EXPECT_EQ(name, nullptr);
+    EXPECT_EQ(log(), Lines{});
+}
+
+TEST_F(DescriptorParsers, OleLinkStoresThePathTwice) {
+    OleLinkBytes stream = oleLinkStream({.trailer = {'|', 'y', 0, 0xFF, 0xFF, 0xAD, 0xDE}});
+    for (int32_t hits : {1, 2}) {
+        EXPECT_EQ(link(stream.bytes, stream.bytes.size(), hits), 0);
+        EXPECT_STREQ(name, hits == 1 ? "C:\\shared\\plan.xls" : "y");
+        EXPECT_STREQ(path, name);
+        EXPECT_NE(path, name);
+    }
+    // 0x1F, ':', '/' and '\' belong to the path; 0x80 and '|' end it.
+    const std::pair<uint8_t, std::string> cases[] = {{'|', "\x1F:/\\p"}, {0x80, "q"}};
+    for (const auto& [stop, expected] : cases) {
+        Bytes bytes = {1, stop};
+        bytes.insert(bytes.end(), expected.begin(), expected.end());
+        bytes.insert(bytes.end(), {0, 0xFF, 0xFF, 0xAD, 0xDE});
+        EXPECT_EQ(link(bytes, bytes.size(), 1, false), 0);
+        EXPECT_EQ(text(name), expected);
+    }
+}
+
+TEST_F(DescriptorParsers, OleLinkFailures) {
+    const std::string end = kOle + "Cannot find end of string in buffer.";
+    const std::string begin = kOle + "Cannot find start of string in buffer.";
+    const std::string noMarker = kOle + "Not enough data in buffer (while finding 0xDEAD).";
+    const std::tuple<Bytes, int32_t, std::string> cases[] = {
+        {oleLinkStream({}).bytes, 2, noMarker},
+        {{0, 0xAD, 0xDE, 0}, 1, end},
+        {{0, 0, 0, 0xAD, 0xDE}, 0, end},
+        {{0, 'a', 1, 0xFF, 0xFF, 0xAD, 0xDE}, 1, end},
+        {{1, 'a', 0, 0xFF, 0xFF, 0xAD, 0xDE}, 1, begin},    // the stop byte is at offset 0
+        {{'b', 'a', 0, 0xFF, 0xFF, 0xAD, 0xDE}, 1, begin},  // no stop byte
+    };
+    for (const auto& [bytes, hits, line] : cases) {
+        EXPECT_EQ(link(bytes, bytes.size(), hits), 6);
+        EXPECT_EQ(log(), Lines{line});
+        EXPECT_EQ(name, nullptr);
+        reset();
+    }
+    const OleLinkBytes stream = oleLinkStream({});
+    for (int32_t count = 0; count <= static_cast<int32_t>(stream.bytes.size()); ++count) {
+        EXPECT_EQ(link(stream.bytes, count), count > stream.markerEnd ? 0 : 6) << count;
+        EXPECT_EQ(log(), count > stream.markerEnd ? Lines{} : Lines{noMarker});
+        reset();
+    }
+}
+
+TEST_F(DescriptorParsers, OleLinkRefusedCopies) {
+    const OleLinkBytes stream = oleLinkStream({});
+    for (uint64_t refused : {1, 2}) {
+        path = old("earlier");
+        results.refuseRequest(refused);
+        EXPECT_EQ(link(stream.bytes, stream.bytes.size()), 2);
+        EXPECT_EQ(text(name), refused == 2 ? "C:\\shared\\plan.xls" : "(null)");
+        EXPECT_STREQ(path, "earlier");
+        EXPECT_EQ(log(), (Lines{kNoMemory, "C:\\shared\\plan.xls"}));
+        reset();
+    }
+}
+
+TEST(OleFileNames, ValidCharactersAndCleaning) {
+    for (int byte :
+         {0x22, 0x2A, 0x2F, 0x3A, 0x3C, 0x3E, 0x3F, 0x7C, 0x00, 0x1F, 0x7F, 0x80, 0xFF}) {
+        EXPECT_EQ(oleIsValidFileNameChar(byte), 0) << byte;
+    }
+    for (int byte : {0x20, 0x7E, 0x5C, 0x26, 0x61, 0x2E}) {
+        EXPECT_EQ(oleIsValidFileNameChar(byte), 1) << byte;
+    }
+    char text[] = "a/b\"c*d:e<f>g?h|i&j\\k\x01\xE9 /";  // the last byte lies outside
+    EXPECT_EQ(oleCleanFileName(text, sizeof text - 2), 1);
+    EXPECT_STREQ(text, "a\\b'c+d;e[f]g#h!i$j\\k__ /");
+    char clean[] = "plain name.txt";
+    EXPECT_EQ(oleCleanFileName(clean, sizeof clean - 1), 0);
+    EXPECT_EQ(oleCleanFileName(nullptr, 5), 0);
+}
+
+}  // namespace

@@ -1,0 +1,111 @@
+// The seven summary elements of a message, the sender above all.
+#include <gtest/gtest.h>
+
+#include "tests/support/reader_fixture.h"
+
+using namespace tneftest;
+
+namespace {
+
+Bytes message(const std::vector<Prop>& props) {
+    MessageSpec spec;
+    spec.props = props;
+    return buildMessage(spec);
+}
+std::string w16(const std::string& s) {
+    Bytes b = utf16(s);
+    return std::string(b.begin(), b.end());
+}
+
+// "null" without element, "-" for an empty placeholder, else the text.
+std::string text(const MetaElement* e) {
+    if (e == nullptr) return "null";
+    if (e->hasValue == 0) return e->value == 0 && e->name == nullptr ? "-" : "valueless";
+    return std::string(reinterpret_cast<const char*>(e->value), static_cast<size_t>(e->size));
+}
+
+TEST(MessageSummary, SenderText) {
+    const Prop snd = Prop::string8(kTagSenderName8, "Snd"),
+               sndMail = Prop::string8(kTagSenderEmail8, "s@x"),
+               rep = Prop::string8(kTagSentRepresentingName8, "Rep"),
+               repMail = Prop::string8(kTagSentRepresentingEmail8, "r@x");
+    Prop unreadable = rep;
+    unreadable.lengthOverride = 1000;  // runs past the end of the stream
+    const struct {
+        std::vector<Prop> props;
+        std::string expected;
+        bool wide = false;
+    } cases[] = {
+        {{snd, rep, sndMail, repMail}, "\"Rep\" <r@x>"},
+        {{snd, repMail}, "\"Snd\" <r@x>"},
+        {{rep, Prop::string8(kTagSentRepresentingName8, "B")}, "\"B\""},
+        {{sndMail}, "<s@x>"},
+        {{Prop::string8(kTagSenderName8, ""), Prop::string8(kTagSenderEmail8, "ab")}, "\"\" <ab>"},
+        {{Prop::string8(kTagSubject8, "Hi")}, "null"},
+        {{Prop::unicode(kTagSentRepresentingName16, "Al"),
+          Prop::unicode(kTagSentRepresentingEmail16, "a@b")}, w16("\"Al\" <a@b>"), true},
+        // An 8-bit text among 16-bit sender properties is widened.
+        {{snd, Prop::unicode(kTagSentRepresentingEmail16, "b@x")}, w16("\"Snd\" <b@x>"), true},
+        {{Prop::unicode(kTagSubject16, "S"), snd}, w16("\"Snd\""), true},
+        {{snd, sndMail, unreadable}, "<s@x>"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.expected);
+        OpenedStream s(message(c.props));
+        const MetaElement* from = s.container->summary[0];
+        EXPECT_EQ(text(from), c.expected);
+        EXPECT_EQ(objectAt(s.container, 0)->charset, c.wide ? kCharsetUnicode : kCharsetNone);
+        if (from != nullptr) {
+            EXPECT_STREQ(from->name, "From");
+            EXPECT_EQ(from->type, c.wide ? kElementText16 : kElementText8);
+            EXPECT_EQ(reinterpret_cast<const uint8_t*>(from->value)[from->size], 0);
+        }
+        EXPECT_EQ(s.close(), "");
+    }
+}
+
+TEST(MessageSummary, SlotsFromProperties) {
+    OpenedStream s(message({Prop::string8(kTagSubject8, "Hi"), Prop::unicode(kTagSubject16, "Yo"),
+                            Prop::int32(kTagImportance, 0)}));
+    MetaElement** slots = s.container->summary;
+    EXPECT_EQ(text(slots[5]), w16("Yo") + std::string(2, '\0'));  // 16-bit tag first, as stored
+    EXPECT_TRUE(slots[6]->type == kElementInteger && slots[6]->hasValue && slots[6]->value == 0);
+    EXPECT_EQ(std::string(slots[5]->name) + slots[6]->name, "SubjectPriority");
+
+    // Placeholders where the properties are missing, or where property access
+    // refuses them (a subject above 65535 bytes); null where no source exists.
+    OpenedStream empty(message({Prop::string8(kTagSubject8, std::string(70000, 's'))}));
+    std::string all;
+    for (int i = 0; i < empty.container->summaryCount; ++i) {
+        all += text(empty.container->summary[i]) + "|";
+    }
+    EXPECT_EQ(all, "null|-|null|null|null|-|-|");
+}
+
+TEST(MessageSummary, EveryRefusedAllocationOfOpen) {
+    MessageSpec spec;
+    spec.props = {Prop::string8(kTagSenderName8, "N"), Prop::string8(kTagSenderEmail8, "n@x"),
+                  Prop::string8(kTagSubject8, "Hi")};
+    spec.recipients = std::vector<std::vector<Prop>>(
+        3, {Prop::string8(kTagDisplayName8, std::string(1000, 'k'))});
+    const Bytes stream = buildMessage(spec);
+    const uint64_t requests = OpenedStream(stream).host.memory().requests();
+    bool arrayRefused = false;
+    for (uint64_t n = 1; n <= requests; ++n) {
+        OpenedStream s(stream, 0, OpenedStream::Deferred{});
+        s.host.memory().refuseRequest(n);
+        s.open();
+        ASSERT_TRUE(s.status == kTnefOk || s.status == kTnefNoMemory) << n;
+        bool summarised = s.container != nullptr && s.container->summaryCount == 7;
+        arrayRefused |= s.status == kTnefNoMemory && s.container != nullptr &&
+                        s.container->objectHead != nullptr && !summarised;
+        // A refused piece leaves its slot null and the later slots filled (the
+        // last request is slot 6's own placeholder).
+        bool lastFilled = summarised && (n == requests || s.container->summary[6] != nullptr);
+        EXPECT_TRUE(s.status != kTnefOk || lastFilled) << n;
+        EXPECT_EQ(s.close(), "") << n;
+    }
+    EXPECT_TRUE(arrayRefused);
+}
+
+}  // namespace

@@ -1,0 +1,175 @@
+// The To, Cc and Bcc lists built from a message's recipient table.
+#include <gtest/gtest.h>
+
+#include "stream/property_access.h"
+#include "stream/recipient_table.h"
+#include "tests/support/reader_fixture.h"
+
+using namespace tneftest;
+
+namespace {
+
+using Rows = std::vector<std::vector<Prop>>;
+
+Bytes withTable(const Bytes& table) {
+    return TnefWriter().version().record(kLevelMessage, 0x9004, table).bytes();
+}
+Prop name8(const std::string& s) { return Prop::string8(kTagDisplayName8, s); }
+Prop name16(const std::string& s) { return Prop::unicode(kTagDisplayName16, s); }
+Prop mail8(const std::string& s) { return Prop::string8(kTagEmailAddress8, s); }
+Prop mail16(const std::string& s) { return Prop::unicode(kTagEmailAddress16, s); }
+Prop smtp8(const std::string& s) { return Prop::string8(kTagSmtpAddress8, s); }
+Prop kind(int32_t t) { return Prop::int32(kTagRecipientType, t); }
+std::string w16(const std::string& s) {
+    Bytes b = utf16(s);
+    return std::string(b.begin(), b.end());
+}
+
+// Slots 2 to 4 as "To|Cc|Bcc": "null" without element, "-" for an empty
+// placeholder, else the text, whose element name and terminator are checked.
+std::string lists(const OpenedStream& s) {
+    std::string out;
+    for (int i = 2; i <= 4; ++i) {
+        const MetaElement* e = s.container->summary[i];
+        if (e == nullptr || e->hasValue == 0) {
+            out += e == nullptr ? "null" : e->value == 0 && e->name == nullptr ? "-" : "nameless";
+        } else {
+            EXPECT_STREQ(e->name, i == 2 ? "To" : i == 3 ? "Cc" : "Bcc");
+            const auto* text = reinterpret_cast<const char*>(e->value);
+            EXPECT_TRUE(text[e->size] == 0 && (e->type == kElementText8 || text[e->size + 1] == 0));
+            out += std::string(text, static_cast<size_t>(e->size));
+        }
+        out += i < 4 ? "|" : "";
+    }
+    return out;
+}
+
+TEST(RecipientTable, AssemblesListsInBothForms) {
+    const struct {
+        Rows rows;
+        std::string expected;
+        bool wide = false;
+        std::optional<int32_t> rowCount = std::nullopt;
+    } cases[] = {
+        {{{name8("Ann"), mail8("ann@x")}}, "\"Ann\" <ann@x>|-|-"},
+        {{{name8("Ann")}}, "\"Ann\"|-|-"},
+        {{{mail8("ann@x")}}, "<ann@x>|-|-"},
+        {{{Prop::string8(kTagDisplayName8, "", false), mail8("a")}}, "\"\" <a>|-|-"},
+        {{{kind(1)}, {name8("B")}}, ", \"B\"|-|-"},  // an empty 8-bit list, then a row
+        {{{mail8("ann"), smtp8("ann@x")}}, "<ann@x>|-|-"},
+        {{{smtp8("b@x"), mail8("a@x"), smtp8("c@x")}}, "<b@x>|-|-"},  // stream order decides
+        {{{name8("A"), smtp8("ann")}}, "\"A\"|-|-"},
+        {{{Prop::binary(0x403E0102, bytesOf("d@x"))}}, "<d@x>|-|-"},
+        {{{Prop::raw(kTagSmtpAddress8, {bytesOf(std::string("a\0@", 3))})}}, "|-|-"},
+        {{{kind(2), name8("C")}, {kind(3), name8("B")}, {kind(1), name8("T1")},
+          {kind(4), name8("T4")}, {kind(INT32_MIN | 2), name8("T5")}, {name8("T0")},
+          {kind(2), kind(3), name8("B2")}},
+         "\"T1\", \"T4\", \"T5\", \"T0\"|\"C\"|\"B\", \"B2\""},
+        {{}, "-|-|-"},
+        {{{name8("A")}}, "-|-|-", false, -1},
+        {{{kind(2), name8("C")}}, "|\"C\"|-", false, 0x7FFFFFFF},  // rows beyond the data
+        {{{name16("Al"), mail16("a@b")}, {name16("B")}}, w16("\"Al\" <a@b>, \"B\"") + "|-|-", true},
+        // 16-bit at sign: 40 as a high byte or behind 00 00 doesn't count.
+        {{{Prop::raw(kTagEmailAddress16, {Bytes{0, 0x40, 0, 0}}),
+           Prop::raw(kTagSmtpAddress16, {Bytes{0x61, 0x40, 0, 0}}),
+           Prop::raw(0x403E001F, {Bytes{0, 0, 0x40, 0}}),
+           Prop::raw(0x403E101F, {Bytes{0x62, 0}, Bytes{0x40, 0, 0x63}})}},
+         w16("<@>") + "|-|-", true},
+        {{{name16("A")}, {kind(2)}}, w16("\"A\"") + "|-|-", true},
+        {{{kind(1)}, {name16("A")}}, w16(", \"A\"") + "|-|-", true},
+        {{{Prop::raw(0x3001101F, {utf16("A")})}}, w16("\"A\"") + "|-|-", true},
+        // Mixed tables: 8-bit rows and texts are widened.
+        {{{kind(3), name8("Bob"), mail8("b@x")}, {name16("Al")}},
+         w16("\"Al\"") + "|-|" + w16("\"Bob\" <b@x>"), true},
+        {{{name8("Bob"), Prop::unicode(0x3A00001F, "z")}}, w16("\"Bob\"") + "|-|-", true},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.expected);
+        OpenedStream s(withTable(recipientTable(c.rows, c.rowCount)));
+        EXPECT_EQ(lists(s), c.expected);
+        EXPECT_EQ(objectAt(s.container, 0)->charset, c.wide ? kCharsetUnicode : kCharsetNone);
+        EXPECT_EQ(s.close(), "");
+    }
+    EXPECT_EQ(lists(OpenedStream(buildMessage(MessageSpec{}))), "null|null|null");
+    EXPECT_EQ(lists(OpenedStream(withTable(Bytes{1, 0}))), "-|-|-");  // no room for a row count
+}
+
+TEST(RecipientTable, BufferSizes) {
+    auto named = [](size_t n, const std::string& text) { return Rows(n, {name8(text)}); };
+    const struct {
+        Rows rows;
+        size_t size;
+        std::optional<int32_t> rowCount = std::nullopt;
+    } cases[] = {
+        {{{name8("0123456789"), mail8("abcdef@ghijklm")}}, 1080},
+        {{{name16("Alice"), mail16("a@b.com")}}, 1078},
+        {named(9, "N"), 1024 + 31 + 2},
+        {named(10, "N"), 2048 + 31 + 2},
+        {named(3, std::string(1000, 'k')), 2006 + 1024 + 1030 + 2},  // grown at the third row
+        {named(1, "N"), 1024 + 31 + 2, 0x7FFFFFFF},  // a row count that no data backs
+    };
+    for (const auto& c : cases) {
+        OpenedStream s(withTable(recipientTable(c.rows, c.rowCount)));
+        auto* list = reinterpret_cast<void*>(s.container->summary[2]->value);
+        EXPECT_EQ(s.host.memory().blockSize(list), c.size);
+    }
+}
+
+TEST(RecipientTable, FailureStatuses) {
+    const std::vector<Prop> row = {name16("Al"), mail16("a@b")};
+    Prop tooMany = Prop::raw(0x80011003, {Bytes(4, 0)});
+    tooMany.valueCount = 65536;
+    const std::string full = w16("\"Al\" <a@b>"), none = "null|null|null";
+    // Requests of a run: scratch, list, To element, "To", Cc element, Bcc element.
+    const struct {
+        Rows rows;
+        int refuse, status;
+        std::string expected;
+        CharsetId charset;
+    } cases[] = {
+        {{row}, 1, 2, none, 0}, {{row}, 2, 2, none, 0}, {{row}, 3, 2, none, kCharsetUnicode},
+        {{row}, 4, 2, "nameless|null|null", 0}, {{row}, 5, 2, full + "|null|null", kCharsetUnicode},
+        {{row, {tooMany}}, 0, 4, none, 0}, {{row}, -1, 4, none, 0},  // -1: nothing could be read
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.expected);
+        OpenedStream s(withTable(recipientTable(c.rows)));
+        HostAllocator* allocator = &s.host.context()->allocator;
+        for (int i = 2; i <= 4; ++i) {
+            tnefFreeElement(allocator, s.container->summary[i]);
+            s.container->summary[i] = nullptr;
+        }
+        TnefObject* message = objectAt(s.container, 0);
+        message->charset = 0;
+        s.host.memory().refuseRequest(static_cast<uint64_t>(std::max(c.refuse, 0)));
+        if (c.refuse < 0) s.input.failOperation(tnefhost::IoOp::kRead, 1);
+        s.container->traceEnabled = 1;  // the trace lines change nothing
+        EXPECT_EQ(tnefBuildRecipientLists(s.container, allocator, message), c.status);
+        EXPECT_EQ(lists(s), c.expected);
+        EXPECT_EQ(message->charset, c.charset);
+        EXPECT_EQ(s.close(), "");
+    }
+}
+
+TEST(RecipientTable, DamagedTablesEndCleanly) {
+    const Bytes table = recipientTable(
+        {{kind(2), Prop::namedString(Prop::string8(0x8004001E, "z@z"), bytesOf("abcde")),
+          name8("N1"), Prop::string8(0x3A00001E, "x@y"), mail8("x"), smtp8("a@b")},
+         {Prop::named(Prop::raw(0x80031003, {Bytes(4, 1), Bytes(4, 2)}), 3),
+          Prop::raw(0x00010001, {}), Prop::int64(0x30070040, 9), name16("W"), mail8("w@x")},
+         {kind(3), Prop::raw(0x00480048, {Bytes(16, 1)}), Prop::string8(0x403E001E, "b@c")}});
+    const Bytes whole = withTable(table);
+    EXPECT_EQ(lists(OpenedStream(whole)),
+              w16("\"W\" <w@x>") + "|" + w16("\"N1\" <a@b>") + "|" + w16("<b@c>"));
+    for (size_t cut = 0; cut <= table.size(); ++cut) {
+        // The record holds only the first bytes; or the stream ends inside the table.
+        for (const Bytes& stream : {withTable(Bytes(table.begin(), table.begin() + cut)),
+                                    Bytes(whole.begin(), whole.end() - 2 - (table.size() - cut))}) {
+            OpenedStream s(stream);
+            lists(s);  // reads every byte of each list
+            EXPECT_EQ(s.close(), "") << cut;
+        }
+    }
+}
+
+}  // namespace

@@ -1,0 +1,73 @@
+// The project's compound file writer: builds a storage whose root holds the
+// given streams, in version 3 or 4, with mini and regular streams, a DIFAT
+// when the FAT outgrows the header, and a directory tree of all-black nodes.
+// Knobs break chosen chains or sizes so that tests can feed a reader damaged
+// files.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tests/support/tnef_writer.h"
+
+namespace tneftest {
+
+struct CfbEntrySpec {
+    CfbEntrySpec(std::string name, Bytes data) : name(std::move(name)), data(std::move(data)) {}
+    static CfbEntrySpec emptyStorage(std::string name) {
+        CfbEntrySpec spec(std::move(name), {});
+        spec.storage = true;
+        return spec;
+    }
+
+    std::string name;  // UTF-8; control bytes such as "\x01" stay as they are
+    Bytes data;
+    bool storage = false;                   // an empty storage instead of a stream
+    std::optional<uint64_t> sizeOverride;   // size to write in the entry instead
+};
+
+// The chains a damage can be done to.
+enum class CfbChain { kStream, kDirectory, kMiniFat, kMiniStream, kDifat };
+
+enum class CfbBreak {
+    kLoop,       // the last sector links back to the first (DIFAT: the first links to itself)
+    kOutOfFile,  // the first link (the start, for a one-sector chain) leaves the file
+    kEndEarly,   // the first sector ends the chain; needs two sectors
+};
+
+struct CfbDamage {
+    CfbDamage(CfbChain chain, CfbBreak kind, std::string stream = {})
+        : chain(chain), kind(kind), stream(std::move(stream)) {}
+
+    CfbChain chain = CfbChain::kStream;
+    CfbBreak kind = CfbBreak::kLoop;
+    std::string stream;  // the stream's name, for CfbChain::kStream
+};
+
+struct CfbOptions {
+    CfbOptions(int version = 3, uint32_t minFatSectors = 0, bool interleave = false)
+        : version(version), minFatSectors(minFatSectors), interleave(interleave) {}
+
+    int version = 3;  // 3: 512-byte sectors, 4: 4096-byte sectors
+    // At least this many FAT sectors; above 109 the rest are listed by DIFAT
+    // sectors, so a small file can need the DIFAT.
+    uint32_t minFatSectors = 0;
+    // Regular streams take sectors in turn rather than each a run of its own.
+    bool interleave = false;
+    std::vector<CfbDamage> damage;
+};
+
+// Throws std::invalid_argument for a damage that the layout can't take.
+Bytes buildCfb(const std::vector<CfbEntrySpec>& entries, const CfbOptions& options = {});
+
+// Overwrites a little-endian number inside built bytes (header fields, say).
+void patchLe16(Bytes& bytes, size_t offset, uint16_t value);
+void patchLe32(Bytes& bytes, size_t offset, uint32_t value);
+
+// Bytes 0, 1, 2, ... of `length`, wrapping at 251 so that a misplaced sector
+// shows.
+Bytes patternBytes(size_t length, uint8_t seed = 0);
+
+}  // namespace tneftest
