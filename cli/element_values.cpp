@@ -10,6 +10,9 @@ namespace tnefcli {
 
 namespace {
 
+// A readable line shows this much of a binary value; JSON shows all of it.
+constexpr size_t kShownBinaryBytes = 32;
+
 std::string hex(const std::vector<uint8_t>& bytes) {
     static const char digits[] = "0123456789abcdef";
     std::string out;
@@ -93,6 +96,10 @@ nlohmann::ordered_json elementJson(HostContext* host, const Element& element, Ch
 }
 
 std::string elementText(HostContext* host, const Element& element, CharsetId charset) {
+    if (element.type == kElementBinary && element.bytes.size() > kShownBinaryBytes) {
+        std::vector<uint8_t> head(element.bytes.begin(), element.bytes.begin() + kShownBinaryBytes);
+        return hex(head) + "... (" + std::to_string(element.bytes.size()) + " bytes)";
+    }
     nlohmann::ordered_json value = elementJson(host, element, charset);
     if (value.is_null()) return {};
     if (value.is_string()) return value.get<std::string>();
