@@ -22,7 +22,8 @@ constexpr size_t kMaxSafeNameBytes = 200;
 //   get a leading '_';
 // - an overlong name is cut at a character boundary, keeping a short
 //   extension;
-// - an empty result becomes `fallback`.
+// - an empty result, which includes a name of dots and blanks alone,
+//   becomes `fallback`.
 std::string safeFileName(std::string_view name, std::string_view fallback);
 
 // Hands out distinct names: the first claim of "a.pdf" keeps it, the next

@@ -66,7 +66,10 @@ TEST_F(CorpusCli, ExtractWritesEverySubfileWithTheExpectedBytes) {
         for (const auto& sub : want["subfiles"]) {
             int index = sub["index"].get<int>();
             const Json* entry = writtenEntry(report, index);
-            if (sub["type"] == "message" && sub["name"].is_null()) continue;  // damaged stream
+            if (sub["type"] == "message" && sub["name"].is_null()) {  // damaged stream
+                if (entry != nullptr && entry->contains("path")) ++files;
+                continue;
+            }
             ASSERT_NE(entry, nullptr) << "subfile " << index << " not reported";
             ASSERT_TRUE(entry->contains("path")) << entry->dump();
             EXPECT_EQ((*entry)["status"], 0);
