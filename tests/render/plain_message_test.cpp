@@ -1,0 +1,278 @@
+// The message in text form, byte for byte: whole renderings, date texts in
+// several time zones, failing input and refused allocations.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+
+#include "reader/strings.h"
+#include "render/plain_message.h"
+#include "stream/property_access.h"
+#include "tests/support/reader_fixture.h"
+
+namespace tneftest {
+namespace {
+
+constexpr uint64_t kSent2006 = 127806446450000000ULL;  // Mon Jan 02 03:04:05 2006 UTC
+const std::string kSentLine = "Sent: Mon Jan 02 03:04:05 2006\r\n";
+
+// UTF-16LE of a UTF-8 text, as a byte string.
+std::string wide(const std::string& text) {
+    Bytes bytes = utf16(text);
+    return std::string(bytes.begin(), bytes.end());
+}
+
+struct Rendered {
+    int32_t status;
+    std::string bytes;
+    int32_t converted;
+    CharsetId outputCharset;
+};
+
+// Renders with the per-extract settings the dispatcher would make, and
+// checks that the host's current charset is left as it was.
+Rendered renderPlain(OpenedStream& s, CharsetId wanted, bool omitHeader = false) {
+    tnefhost::MemoryIo output;
+    TnefContainer* c = s.container;
+    c->outputCharset = wanted;
+    c->omitSummaryHeader = omitHeader ? 1 : 0;
+    c->charsetConverted = 0;
+    const CharsetId before = s.host.context()->currentCharset;
+    int32_t status = tnefWritePlainMessage(c, objectAt(c, 0), output.io());
+    EXPECT_EQ(s.host.context()->currentCharset, before);
+    return {status, output.text(), c->charsetConverted, c->outputCharset};
+}
+
+// Puts a text element into a summary slot in place of what open made.
+void setSlot(OpenedStream& s, int32_t index, int32_t type, const Bytes& text, const char* name) {
+    HostAllocator* a = &s.host.context()->allocator;
+    tnefFreeElement(a, s.container->summary[index]);
+    auto* e = static_cast<MetaElement*>(a->alloc(a, sizeof(MetaElement)));
+    *e = MetaElement{1, 0, type, tnefCopyText(a, name), 0, static_cast<int32_t>(text.size())};
+    void* value = a->alloc(a, text.size());
+    std::memcpy(value, text.data(), text.size());
+    e->value = reinterpret_cast<uintptr_t>(value);
+    s.container->summary[index] = e;
+}
+
+struct WholeCase {
+    const char* name;
+    MessageSpec spec;
+    std::function<void(OpenedStream&)> adjust;
+    CharsetId wanted;
+    bool omitHeader;
+    std::string expected;
+    int32_t converted;
+    std::optional<std::string> again = std::nullopt;  // a second rendering, when it differs
+};
+
+TEST(PlainMessage, WholeOutputs) {
+    MessageSpec typical{1252, std::nullopt, "Hello\r\nCaf\xE9",
+                        {Prop::string8(kTagSentRepresentingName8, "Alice"),
+                         Prop::string8(kTagSentRepresentingEmail8, "alice@example.com"),
+                         Prop::time(kTagClientSubmitTime, kSent2006),
+                         Prop::string8(kTagSubject8, "Caf\xE9 plan"), Prop::int32(kTagImportance, 2)},
+                        std::nullopt,
+                        {{std::nullopt, Bytes{1},
+                          {Prop::string8(kTagAttachLongFilename8, "C:\\docs\\report.pdf")}},
+                         {"notes.txt", Bytes{2}, {}},
+                         {std::nullopt, Bytes{3}, {}}}};
+    MessageSpec wide16{std::nullopt, std::nullopt, "Hello",
+                       {Prop::unicode(kTagSentRepresentingName16, "Alice"),
+                        Prop::unicode(kTagSentRepresentingEmail16, "alice@example.com"),
+                        Prop::time(kTagClientSubmitTime, kSent2006),
+                        Prop::unicode(kTagSubject16, "Caf\xC3\xA9")},
+                       std::nullopt,
+                       {{std::nullopt, Bytes{1},
+                         {Prop::unicode(kTagAttachLongFilename16, "x/r\xC3\xA9sum\xC3\xA9.doc")}}}};
+    MessageSpec plain{std::nullopt, std::nullopt, "Body", {Prop::time(kTagClientSubmitTime, kSent2006)}};
+    MessageSpec cp1252{1252, std::nullopt, "Caf\xE9",
+                       {Prop::string8(kTagSubject8, "Caf\xE9"), Prop::int32(kTagImportance, 3)}};
+    auto to8 = [](OpenedStream& s) { setSlot(s, 2, kElementText8, bytesOf(std::string("Bob\0", 4)), "To"); };
+    auto charset = [](CharsetId id) {
+        return [id](OpenedStream& s) { objectAt(s.container, 0)->charset = id; };
+    };
+    MessageSpec names{1252, std::nullopt, std::nullopt, {Prop::int32(kTagImportance, 0)}, std::nullopt,
+                      {{"t.txt", Bytes{1}, {Prop::raw(kTagAttachLongFilename16, {Bytes(4, 0)})}},
+                       {"u.txt", Bytes{2}, {}},
+                       {std::nullopt, Bytes{3}, {Prop::raw(kTagAttachLongFilename8, {Bytes(1, 0)})}}}};
+    MessageSpec titleFirst{1252, std::nullopt, std::nullopt, {}, std::nullopt,
+                           {{"notes.txt", Bytes{1}, {}},
+                            {std::nullopt, Bytes{2}, {Prop::string8(kTagAttachLongFilename8, "a.pdf")}}}};
+
+    const std::vector<WholeCase> cases = {
+        {"8-bit, nothing wanted", typical, to8, 0, false,
+         "From: \"Alice\" <alice@example.com>\r\n" + kSentLine +
+             "To: Bob\r\nSubject: Caf\xE9 plan\r\nImportance: High\r\n"
+             "Attachments: report.pdf; notes.txt; zd3.tmp\r\n\r\nHello\r\nCaf\xE9",
+         0},
+        {"16-bit wanted from 1252", typical, to8, 51, false,
+         wide("From: \"Alice\" <alice@example.com>\r\n" + kSentLine +
+              "To: Bob\r\nSubject: Caf\xC3\xA9 plan\r\nImportance: High\r\nAttachments: report.pdf") +
+             "; notes.txt; zd3.tmp" + wide("\r\n\r\nHello\r\nCaf\xC3\xA9"),
+         1},
+        {"UTF-8 wanted from 1252",  typical,
+         [](OpenedStream& s) { setSlot(s, 2, kElementText16, utf16("B\xC3\xB6" "b"), "To"); }, 53, false,
+         "From: \"Alice\" <alice@example.com>\r\n" + kSentLine +
+             "To: B\xC3\xB6" "b\r\nSubject: Caf\xC3\xA9 plan\r\nImportance: High\r\n"
+             "Attachments: report.pdf; notes.txt; zd3.tmp\r\n\r\nHello\r\nCaf\xC3\xA9",
+         1},
+        {"16-bit fields, nothing wanted", wide16, nullptr, 0, false,
+         wide("From: \"Alice\" <alice@example.com>\r\n" + kSentLine +
+              "Subject: Caf\xC3\xA9\r\nImportance: Normal\r\nAttachments: r\xC3\xA9sum\xC3\xA9.doc\r\n\r\n") +
+             "Hello",
+         1},
+        {"16-bit fields narrowed to the message charset", wide16, charset(7), 0, false,
+         "From: \"Alice\" <alice@example.com>\r\n" + kSentLine +
+             "Subject: Caf\xE9\r\nImportance: Normal\r\nAttachments: r\xE9sum\xE9.doc\r\n\r\nHello",
+         1},
+        {"16-bit field of zero units only", plain,
+         [](OpenedStream& s) { setSlot(s, 0, kElementText16, Bytes(4, 0), "From"); }, 0, false,
+         wide(kSentLine + "Importance: Normal\r\n\r\n") + "\r\n\r\nBody", 1,
+         // Stripped to size 0 it is no field any more and marks nothing.
+         kSentLine + "Importance: Normal\r\n\r\n\r\n\r\nBody"},
+        {"8-bit From, 16-bit To", plain,
+         [](OpenedStream& s) {
+             setSlot(s, 0, kElementText8, bytesOf("<a@x>"), "From");
+             setSlot(s, 2, kElementText16, utf16(std::string("Bob\0", 4)), "To");
+             objectAt(s.container, 0)->charset = 51;
+         },
+         0, false, "From: <a@x>\r\n" + kSentLine + wide("To: Bob\r\nImportance: Normal\r\n\r\n") + "\r\n\r\nBody", 1},
+        {"element of the wrong name", plain,
+         [](OpenedStream& s) { setSlot(s, 3, kElementText8, bytesOf("x"), "To"); }, 0, false,
+         kSentLine + "Importance: Normal\r\n\r\n\r\n\r\nBody", 0},
+        {"wanted equals message", cp1252, nullptr, 7, false,
+         "Subject: Caf\xE9\r\nImportance: Normal\r\n\r\n\r\n\r\nCaf\xE9", 0},
+        {"16-bit wanted, no message charset", cp1252, charset(0), 51, false,
+         "Subject: Caf\xE9\r\n" + wide("Importance: Normal\r\n\r\n") + "\r\n\r\nCaf\xE9", 1},
+        {"header omitted", cp1252, nullptr, 51, true, wide("Caf\xC3\xA9"), 1},
+        {"body of size 0", cp1252, [](OpenedStream& s) { objectAt(s.container, 0)->dataSize = 0; }, 0,
+         false, "Subject: Caf\xE9\r\nImportance: Normal\r\n\r\n\r\n\r\n", 0},
+        {"names of zero units and of size 0", names, nullptr, 0, false,
+         "Importance: Low\r\nAttachments: u.txt; \r\n\r\n", 0},
+        {"title first with 16-bit wanted", titleFirst, nullptr, 51, false,
+         wide("Importance: Normal\r\n") + "Attachments: notes.txt" + wide("; a.pdf") + "\r\n\r\n", 1},
+    };
+    for (const WholeCase& c : cases) {
+        SCOPED_TRACE(c.name);
+        OpenedStream s(buildMessage(c.spec));
+        ASSERT_EQ(s.status, 0);
+        if (c.adjust) c.adjust(s);
+        Rendered first = renderPlain(s, c.wanted, c.omitHeader);
+        EXPECT_EQ(first.status, 0);
+        EXPECT_EQ(first.bytes, c.expected);
+        EXPECT_EQ(first.converted, c.converted);
+        EXPECT_EQ(first.outputCharset, c.wanted);
+        // Trailing zeros stripped once stay stripped.
+        EXPECT_EQ(renderPlain(s, c.wanted, c.omitHeader).bytes, c.again.value_or(c.expected));
+        EXPECT_EQ(s.close(), "");
+    }
+}
+
+// Sets TZ while it lives, then puts the old value back.
+struct TimeZone {
+    std::optional<std::string> old;
+    explicit TimeZone(const char* zone) {
+        if (const char* value = std::getenv("TZ")) old = value;
+        setenv("TZ", zone, 1);
+        tzset();
+    }
+    ~TimeZone() {
+        old ? setenv("TZ", old->c_str(), 1) : unsetenv("TZ");
+        tzset();
+    }
+};
+
+TEST(PlainMessage, DateTexts) {
+    struct Case { const char* zone; uint64_t ticks; const char* text; };
+    const Case cases[] = {
+        {"UTC0", 127806446450000000ULL, "Mon Jan 02 03:04:05 2006"},
+        {"JST-9", 127806446450000000ULL, "Mon Jan 02 12:04:05 2006"},
+        {"HST10", 127806446450000000ULL, "Sun Jan 01 17:04:05 2006"},
+        {"UTC0", 100000000000000000ULL, "Thu Jan 01 00:00:00 1970"},  // 1917: the epoch
+        {"HST10", 0xFFFFFFFFFFFFFFFFULL, "Wed Dec 31 14:00:00 1969"},  // negative count
+        {"UTC0", 159394408950000000ULL, "Sun Feb 07 06:28:15 2106"},  // last 32-bit second
+        {"UTC0", 159397001010000000ULL, "Sun Jan 04 00:00:05 1970"},  // wrapped past 2106
+    };
+    for (const Case& c : cases) {
+        TimeZone zone(c.zone);
+        Bytes ticks;
+        putLe64(ticks, c.ticks);
+        char text[kTnefDateTextSize];
+        EXPECT_STREQ(tnefFormatFileTime(ticks.data(), text), c.text) << c.zone << " " << c.ticks;
+    }
+}
+
+MessageSpec bodyOnly() {
+    MessageSpec spec;
+    spec.oemCodePage = 1252;
+    spec.body = "Caf\xE9";
+    return spec;
+}
+
+TEST(PlainMessage, InputFailuresAtTheBody) {
+    const std::string header = "Importance: Normal\r\n\r\n\r\n\r\n";
+    OpenedStream failedSeek(buildMessage(bodyOnly()));
+    failedSeek.input.failOperation(tnefhost::IoOp::kSeek, 1);
+    Rendered r = renderPlain(failedSeek, 0);
+    EXPECT_EQ(r.status, 4);
+    EXPECT_EQ(r.bytes, header);
+
+    OpenedStream failedRead(buildMessage(bodyOnly()));
+    failedRead.input.failOperation(tnefhost::IoOp::kRead, 1);
+    r = renderPlain(failedRead, 51);
+    EXPECT_EQ(r.status, 0);
+    EXPECT_EQ(r.bytes, wide("Importance: Normal\r\n\r\n") + "\r\n\r\n");
+}
+
+// True when `text` is made of one choice of each piece, in order.
+bool madeOf(const std::string& text, const std::vector<std::vector<std::string>>& pieces,
+            size_t piece = 0, size_t at = 0) {
+    if (piece == pieces.size()) return at == text.size();
+    for (const std::string& choice : pieces[piece]) {
+        if (text.compare(at, choice.size(), choice) == 0 &&
+            madeOf(text, pieces, piece + 1, at + choice.size())) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// Refusing each allocation of a rendering in turn drops whole pieces (or
+// falls back to a later name source), never leaks and never fails.
+TEST(PlainMessage, RefusedAllocations) {
+    MessageSpec spec = bodyOnly();
+    spec.props = {Prop::string8(kTagSentRepresentingName8, "Al"),
+                  Prop::time(kTagClientSubmitTime, 127806446450000000ULL),
+                  Prop::string8(kTagSubject8, "S")};
+    spec.attachments = {{std::nullopt, Bytes{1}, {Prop::string8(kTagAttachLongFilename8, "a.pdf")}}};
+    const std::vector<std::vector<std::string>> pieces = {
+        {wide("From: \"Al\"\r\n"), ""},
+        {wide("Sent: Mon Jan 02 03:04:05 2006\r\n"), ""},
+        {wide("Subject: S\r\n"), ""},
+        {wide("Importance: Normal\r\n"), ""},
+        {wide("Attachments: a.pdf\r\n\r\n"), "Attachments: zd1.tmp\r\n\r\n", "\r\n\r\n"},
+        {wide("Caf\xC3\xA9"), ""}};
+    std::string full;
+    for (const auto& choices : pieces) full += choices[0];
+    // Refuse request 1, 2, ... until one lies beyond what the rendering asks.
+    uint64_t n = 1;
+    for (;; ++n) {
+        SCOPED_TRACE(n);
+        ASSERT_LT(n, 30u);
+        OpenedStream s(buildMessage(spec));
+        size_t live = s.host.memory().liveBlocks();
+        s.host.memory().refuseRequest(n);
+        Rendered r = renderPlain(s, 51);
+        EXPECT_EQ(r.status, 0);
+        EXPECT_TRUE(madeOf(r.bytes, pieces)) << r.bytes.size();
+        EXPECT_EQ(s.host.memory().liveBlocks(), live);
+        EXPECT_EQ(s.close(), "");
+        if (r.bytes == full) break;
+    }
+    EXPECT_GE(n, 10u);  // every allocation of the rendering was refused once
+}
+
+}  // namespace
+}  // namespace tneftest
