@@ -1,0 +1,219 @@
+// tnef-reader batch INPUT... -C DIR [--jobs N] [--overwrite] [--json]
+#include <algorithm>
+#include <atomic>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "cli/commands.h"
+#include "cli/exit_codes.h"
+#include "cli/extraction.h"
+#include "cli/json_output.h"
+#include "cli/open_input.h"
+#include "cli/progress_bar.h"
+#include "cli/safe_names.h"
+#include "cli/text_utf8.h"
+
+namespace tnefcli {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct BatchOptions {
+    std::vector<std::string> inputs;
+    std::string folder;
+    unsigned jobs = 0;
+    bool overwrite = false;
+    bool json = false;
+};
+
+struct BatchItem {
+    std::string file;
+    fs::path folder;  // where its subfiles go
+    int exitCode = kExitOk;
+    std::optional<int32_t> status;
+    std::optional<std::string> error;
+    ExtractReport report;
+};
+
+// Every file named, and every regular file below every folder named, in a
+// stable order.
+std::vector<std::string> collectFiles(const std::vector<std::string>& inputs) {
+    std::vector<std::string> files;
+    for (const std::string& input : inputs) {
+        std::error_code ec;
+        if (!fs::is_directory(input, ec)) {
+            files.push_back(input);
+            continue;
+        }
+        std::vector<std::string> found;
+        auto walk = fs::recursive_directory_iterator(
+            input, fs::directory_options::skip_permission_denied, ec);
+        for (auto it = walk; !ec && it != fs::recursive_directory_iterator(); it.increment(ec)) {
+            std::error_code typeError;
+            if (it->is_regular_file(typeError)) found.push_back(it->path().string());
+        }
+        std::sort(found.begin(), found.end());
+        files.insert(files.end(), found.begin(), found.end());
+    }
+    return files;
+}
+
+void processItem(const ReaderModule& module, tnefhost::PosixHost& host, BatchItem& item,
+                 const BatchOptions& options) {
+    OpenedInput input = openInputWith(module, host, item.file, false);
+    item.status = input.status;
+    item.error = input.error;
+    if (!input.usable()) {
+        item.exitCode = input.exitCode;
+        return;
+    }
+    std::error_code ec;
+    fs::create_directories(item.folder, ec);
+    if (ec) {
+        item.exitCode = kExitUnreadable;
+        item.error = "cannot make " + item.folder.string() + ": " + ec.message();
+        return;
+    }
+    ExtractOptions extract;
+    extract.folder = item.folder;
+    extract.overwrite = options.overwrite;
+    Listing listing = readListing(*input.session);
+    item.report = extractSubfiles(*input.session, listing, extract);
+    item.exitCode = input.error || !item.report.complete ? kExitPartial : kExitOk;
+}
+
+void runWorkers(std::vector<BatchItem>& items, const BatchOptions& options,
+                const ReaderModule& module) {
+    unsigned jobs = options.jobs != 0 ? options.jobs : std::max(1u, std::thread::hardware_concurrency());
+    jobs = static_cast<unsigned>(std::min<size_t>(jobs, std::max<size_t>(items.size(), 1)));
+    ProgressBar progress(items.size());
+    std::atomic<size_t> next{0};
+    auto work = [&] {
+        auto host = makeHost(module, "");  // one host context per worker
+        for (size_t i = next++; i < items.size(); i = next++) {
+            processItem(module, *host, items[i], options);
+            progress.advance();
+        }
+    };
+    std::vector<std::thread> threads;
+    for (unsigned j = 1; j < jobs; ++j) threads.emplace_back(work);
+    work();
+    for (std::thread& thread : threads) thread.join();
+}
+
+const char* outcomeWord(int exitCode) {
+    switch (exitCode) {
+        case kExitOk: return "ok";
+        case kExitPartial: return "partial";
+        default: return "failed";
+    }
+}
+
+void printItems(const std::vector<BatchItem>& items) {
+    for (const BatchItem& item : items) {
+        size_t written = 0;
+        for (const WrittenFile& file : item.report.written) written += file.path ? 1 : 0;
+        std::printf("%-7s %s", outcomeWord(item.exitCode), printable(item.file).c_str());
+        if (item.exitCode != kExitUnreadable) {
+            std::printf(" -> %s (%zu written, %zu linked)", printable(item.folder.string()).c_str(),
+                        written, item.report.links.size());
+        }
+        if (item.error) std::printf(": %s", item.error->c_str());
+        for (const WrittenFile& file : item.report.written) {
+            if (!file.path) {
+                std::printf("\n        subfile %d: %s", file.index, file.error.value_or("").c_str());
+            }
+        }
+        std::printf("\n");
+    }
+}
+
+nlohmann::ordered_json itemsJson(const std::vector<BatchItem>& items) {
+    nlohmann::ordered_json files = nlohmann::ordered_json::array();
+    for (const BatchItem& item : items) {
+        auto entry = fileReportHead(item.file, item.status, item.error);
+        entry["outcome"] = outcomeWord(item.exitCode);
+        entry["exit"] = item.exitCode;
+        if (item.exitCode != kExitUnreadable) {
+            entry["folder"] = item.folder.string();
+            nlohmann::ordered_json written = extractReportJson(item.report);
+            for (auto& [key, value] : written.items()) entry[key] = value;
+        }
+        files.push_back(std::move(entry));
+    }
+    return files;
+}
+
+int runBatch(const BatchOptions& options) {
+    if (std::find(options.inputs.begin(), options.inputs.end(), "-") != options.inputs.end()) {
+        std::fprintf(stderr, "tnef-reader: batch reads files and folders, not standard input\n");
+        return kExitUsage;
+    }
+    std::string error;
+    const ReaderModule* module = loadReaderModule(&error);
+    if (module == nullptr) {
+        std::fprintf(stderr, "tnef-reader: %s\n", error.c_str());
+        return kExitUnreadable;
+    }
+    std::error_code ec;
+    fs::create_directories(options.folder, ec);
+    if (!fs::is_directory(options.folder, ec)) {
+        std::fprintf(stderr, "tnef-reader: cannot use %s as the output folder\n",
+                     options.folder.c_str());
+        return kExitUnreadable;
+    }
+    // Each input gets a folder of its own, named after it, so that equal
+    // attachment names of different messages never meet.
+    std::vector<BatchItem> items;
+    UniqueNames folders;
+    for (const std::string& file : collectFiles(options.inputs)) {
+        BatchItem item;
+        item.file = file;
+        item.folder = fs::path(options.folder) /
+                      folders.claim(safeFileName(fs::path(file).filename().string(), "input"));
+        items.push_back(std::move(item));
+    }
+    runWorkers(items, options, *module);
+
+    size_t counts[3] = {0, 0, 0};  // ok, partial, failed
+    for (const BatchItem& item : items) {
+        ++counts[item.exitCode == kExitOk ? 0 : item.exitCode == kExitPartial ? 1 : 2];
+    }
+    if (options.json) {
+        nlohmann::ordered_json report;
+        report["files"] = itemsJson(items);
+        report["counts"] = {{"files", items.size()}, {"ok", counts[0]}, {"partial", counts[1]},
+                            {"failed", counts[2]}};
+        printJson(report);
+    } else {
+        printItems(items);
+        std::printf("%zu files: %zu ok, %zu partial, %zu failed\n", items.size(), counts[0],
+                    counts[1], counts[2]);
+    }
+    if (counts[1] == 0 && counts[2] == 0) return kExitOk;
+    return counts[0] == 0 && counts[1] == 0 ? kExitUnreadable : kExitPartial;
+}
+
+}  // namespace
+
+void addBatchCommand(CLI::App& app, int& exitCode) {
+    auto options = std::make_shared<BatchOptions>();
+    CLI::App* batch = app.add_subcommand(
+        "batch", "Extract many TNEF files, and every file below folders, in parallel");
+    batch->add_option("INPUT", options->inputs, "TNEF files and folders")->required();
+    batch->add_option("-C,--directory", options->folder,
+                      "Folder to write into; each input gets a folder of its own there")
+        ->required();
+    batch->add_option("-j,--jobs", options->jobs, "Parallel workers (default: the core count)")
+        ->check(CLI::PositiveNumber);
+    batch->add_flag("--overwrite", options->overwrite, "Replace files that already exist");
+    batch->add_flag("--json", options->json, "Write the report as JSON");
+    batch->callback([options, &exitCode] { exitCode = runBatch(*options); });
+}
+
+}  // namespace tnefcli

@@ -1,0 +1,57 @@
+#include "cli/body_form.h"
+
+#include "reader/host.h"
+
+namespace tnefcli {
+
+const std::map<std::string, BodyChoice>& bodyChoiceNames() {
+    static const std::map<std::string, BodyChoice> names = {{"auto", BodyChoice::kAuto},
+                                                            {"text", BodyChoice::kText},
+                                                            {"html", BodyChoice::kHtml},
+                                                            {"rtf", BodyChoice::kRtf},
+                                                            {"none", BodyChoice::kNone}};
+    return names;
+}
+
+uint32_t extractFlags(BodyChoice choice, bool noHeader) {
+    uint32_t flags = noHeader ? kTnefExtractOmitHeader : 0u;
+    if (choice == BodyChoice::kHtml || choice == BodyChoice::kRtf) {
+        flags |= kTnefExtractPreferStoredBody;
+    }
+    return flags;
+}
+
+BodyForm detectBodyForm(std::string_view head) {
+    if (head.size() >= 3 && static_cast<unsigned char>(head[0]) == 0xEF &&
+        static_cast<unsigned char>(head[1]) == 0xBB && static_cast<unsigned char>(head[2]) == 0xBF) {
+        head.remove_prefix(3);
+    }
+    size_t start = head.find_first_not_of(" \t\r\n");
+    if (start == std::string_view::npos) return BodyForm::kText;
+    head.remove_prefix(start);
+    if (head.substr(0, 5) == "{\\rtf") return BodyForm::kRtf;
+    if (head.size() >= 2 && head[0] == '<') {
+        char next = head[1];
+        bool letter = (next >= 'a' && next <= 'z') || (next >= 'A' && next <= 'Z');
+        if (letter || next == '!' || next == '?') return BodyForm::kHtml;
+    }
+    return BodyForm::kText;
+}
+
+const char* bodyFormName(BodyForm form) {
+    switch (form) {
+        case BodyForm::kHtml: return "html";
+        case BodyForm::kRtf: return "rtf";
+        default: return "text";
+    }
+}
+
+const char* bodyFormExtension(BodyForm form) {
+    switch (form) {
+        case BodyForm::kHtml: return ".html";
+        case BodyForm::kRtf: return ".rtf";
+        default: return ".txt";
+    }
+}
+
+}  // namespace tnefcli

@@ -1,0 +1,119 @@
+// tnef-reader extract FILE [-C DIR] [--only N ...] [--body auto|text|html|rtf|none]
+//                          [--charset NAME] [--no-header] [--overwrite] [--json]
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <system_error>
+
+#include "cli/charset_option.h"
+#include "cli/commands.h"
+#include "cli/exit_codes.h"
+#include "cli/extraction.h"
+#include "cli/json_output.h"
+#include "cli/open_input.h"
+#include "cli/report_text.h"
+#include "cli/text_utf8.h"
+
+namespace tnefcli {
+
+namespace {
+
+struct ExtractCommandOptions {
+    std::string file;
+    std::string folder = ".";
+    std::vector<int32_t> only;
+    std::string body = "auto";
+    std::string charset;
+    bool noHeader = false;
+    bool overwrite = false;
+    bool json = false;
+};
+
+void printReport(const ExtractReport& report) {
+    for (const WrittenFile& file : report.written) {
+        if (file.path) {
+            std::printf("%s (%lld bytes)\n", printable(*file.path).c_str(),
+                        static_cast<long long>(file.bytes));
+        } else {
+            std::fprintf(stderr, "tnef-reader: subfile %d (%s): %s\n", file.index,
+                         printable(file.name.value_or("no name")).c_str(),
+                         file.error.value_or("not written").c_str());
+        }
+    }
+    for (const LinkedFile& link : report.links) {
+        std::printf("subfile %d links to %s (not written)\n", link.index,
+                    printable(link.path).c_str());
+    }
+}
+
+int runExtract(const ExtractCommandOptions& options) {
+    OpenedInput input = openInput(options.file, false);
+    if (!input.usable()) return reportUnusable(options.file, input, options.json);
+    Session& session = *input.session;
+    for (int32_t index : options.only) {
+        if (index < 0 || index >= session.subfileCount()) {
+            printError(options.file, "no subfile " + std::to_string(index) + " (the stream has " +
+                                         std::to_string(session.subfileCount()) + ")");
+            return kExitUsage;
+        }
+    }
+    std::error_code ec;
+    std::filesystem::create_directories(options.folder, ec);
+    if (!std::filesystem::is_directory(options.folder, ec)) {
+        printError(options.file, "cannot use " + options.folder + " as the output folder");
+        return kExitUnreadable;
+    }
+
+    ExtractOptions extract;
+    extract.folder = options.folder;
+    extract.only = options.only;
+    extract.body = bodyChoiceNames().at(options.body);
+    extract.charset = charsetFromName(options.charset);
+    extract.noHeader = options.noHeader;
+    extract.overwrite = options.overwrite;
+    Listing listing = readListing(session);
+    ExtractReport report = extractSubfiles(session, listing, extract);
+
+    if (options.json) {
+        auto document = fileReportHead(options.file, input.status, input.error);
+        nlohmann::ordered_json written = extractReportJson(report);
+        for (auto& [key, value] : written.items()) document[key] = value;
+        printJson(document);
+    } else {
+        warnDamaged(options.file, input);
+        printReport(report);
+    }
+    return input.error || !report.complete ? kExitPartial : kExitOk;
+}
+
+}  // namespace
+
+void addExtractCommand(CLI::App& app, int& exitCode) {
+    auto options = std::make_shared<ExtractCommandOptions>();
+    CLI::App* extract = app.add_subcommand(
+        "extract", "Write the attachments and the message into a folder, under safe names");
+    extract->add_option("FILE", options->file, "The TNEF file, or - for standard input")->required();
+    extract->add_option("-C,--directory", options->folder,
+                        "Folder to write into (made if missing; default: the current folder)");
+    extract->add_option("--only", options->only,
+                        "Extract only subfile N (as numbered by list); repeatable")
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+        ->delimiter(',');
+    extract->add_option("--body", options->body,
+                        "Form of the message: auto (the module's choice), text, html, rtf, or "
+                        "none to skip the message")
+        ->transform(CLI::IsMember({"auto", "text", "html", "rtf", "none"}, CLI::ignore_case))
+        ->option_text("auto|text|html|rtf|none");
+    extract->add_option("--charset", options->charset, "Charset of the message's text")
+        ->check(charsetNameValidator())
+        ->option_text("NAME");
+    extract->add_flag("--no-header", options->noHeader,
+                      "Write the message body without the From/Sent/To summary header");
+    extract->add_flag("--overwrite", options->overwrite, "Replace files that already exist");
+    extract->add_flag("--json", options->json, "Report what was written as JSON");
+    extract->callback([options, &exitCode] { exitCode = runExtract(*options); });
+}
+
+}  // namespace tnefcli

@@ -1,0 +1,80 @@
+// tnef-reader list FILE [--json] [--root]
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <string>
+
+#include "cli/commands.h"
+#include "cli/exit_codes.h"
+#include "cli/json_output.h"
+#include "cli/listing.h"
+#include "cli/open_input.h"
+#include "cli/report_text.h"
+#include "cli/status_text.h"
+#include "cli/text_utf8.h"
+
+namespace tnefcli {
+
+namespace {
+
+struct ListOptions {
+    std::string file;
+    bool json = false;
+    bool root = false;
+};
+
+void printTable(const Listing& listing) {
+    const auto& summary = listing.summary;
+    auto line = [](const char* label, const std::optional<std::string>& value) {
+        std::printf("%-9s %s\n", label, value ? printable(*value).c_str() : "-");
+    };
+    line("From:", summary.from);
+    line("Sent:", summary.sent);
+    line("To:", summary.to);
+    line("Subject:", summary.subject);
+    std::printf("\n");
+
+    int sizeWidth = 4;
+    for (const ListedSubfile& s : listing.subfiles) {
+        sizeWidth = std::max(sizeWidth, static_cast<int>(std::to_string(s.entry.size).size()));
+    }
+    std::printf("%5s  %-10s  %*s  %-20s  %s\n", "Index", "Type", sizeWidth, "Size", "Time", "Name");
+    for (const ListedSubfile& s : listing.subfiles) {
+        std::string name = s.name ? printable(*s.name) : "(no name: " + statusText(s.entry.status) + ")";
+        std::printf("%5d  %-10s  %*d  %-20s  %s\n", s.entry.index, subfileTypeName(s.entry.type),
+                    sizeWidth, s.entry.size, s.time.value_or("-").c_str(), name.c_str());
+    }
+}
+
+int runList(const ListOptions& options) {
+    OpenedInput input = openInput(options.file, options.root);
+    if (!input.usable()) return reportUnusable(options.file, input, options.json);
+    Listing listing = readListing(*input.session);
+    if (options.json) {
+        auto report = fileReportHead(options.file, input.status, input.error);
+        report["summary"] = summaryJson(listing.summary);
+        nlohmann::ordered_json subfiles = nlohmann::ordered_json::array();
+        for (const ListedSubfile& s : listing.subfiles) subfiles.push_back(subfileJson(s));
+        report["subfiles"] = subfiles;
+        printJson(report);
+    } else {
+        warnDamaged(options.file, input);
+        printTable(listing);
+    }
+    return input.error || !listing.complete ? kExitPartial : kExitOk;
+}
+
+}  // namespace
+
+void addListCommand(CLI::App& app, int& exitCode) {
+    auto options = std::make_shared<ListOptions>();
+    CLI::App* list = app.add_subcommand(
+        "list", "List the message and the attachments of a TNEF stream, under its From, Sent, To "
+                "and Subject");
+    list->add_option("FILE", options->file, "The TNEF file, or - for standard input")->required();
+    list->add_flag("--json", options->json, "Write the listing as JSON");
+    list->add_flag("--root", options->root, "Show the synthetic \"root/\" directory entry as index 0");
+    list->callback([options, &exitCode] { exitCode = runList(*options); });
+}
+
+}  // namespace tnefcli

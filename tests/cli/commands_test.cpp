@@ -1,0 +1,166 @@
+// Exit codes, the JSON shapes of every command, the message's rendering and
+// the batch report.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "tests/cli/cli_runner.h"
+#include "tests/support/reader_fixture.h"
+
+namespace tneftest {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr uint64_t kSentTime = 0x01C9CCA1F345AB00ull;  // 2009-05-04T10:20:30Z
+
+Bytes sampleStream() {
+    MessageSpec spec;
+    spec.body = "Body text";
+    spec.props = {Prop::string8(kTagSubject8, "Hello"), Prop::time(kTagClientSubmitTime, kSentTime),
+                  Prop::int32(kTagImportance, 2),
+                  Prop::string8(kTagSentRepresentingName8, "Ann"),
+                  Prop::string8(kTagSentRepresentingEmail8, "ann@example.com")};
+    spec.attachments.push_back({"report.pdf", bytesOf("%PDF-1.4 small"), {}});
+    return buildMessage(spec);
+}
+
+std::vector<std::string> keysOf(const Json& object) {
+    std::vector<std::string> keys;
+    for (const auto& item : object.items()) keys.push_back(item.key());
+    return keys;
+}
+
+using Keys = std::vector<std::string>;
+
+TEST(CliExitCodes, EachKindOfInputEndsWithItsCode) {
+    TempDir dir;
+    std::string text = writeFile(dir.path() / "note.txt", bytesOf("just some text, no TNEF"));
+    std::string good = writeFile(dir.path() / "good.tnef", sampleStream());
+    // A property block whose checksum is wrong: the message is read, then open fails.
+    Bytes damaged = TnefWriter()
+                        .version()
+                        .record(kLevelMessage, 0x9003, propertyBlock({Prop::string8(kTagSubject8, "x")}),
+                                {0x0006, uint16_t{0xBEEF}})
+                        .bytes();
+    std::string bad = writeFile(dir.path() / "bad.tnef", damaged);
+    struct Case {
+        std::vector<std::string> args;
+        int exitCode;
+    } cases[] = {
+        {{"list", good}, 0},
+        {{"list", text}, 2},
+        {{"list", dir / "missing.tnef"}, 2},
+        {{"list", dir.path().string()}, 2},
+        {{"props", text, "--json"}, 2},
+        {{"list", bad}, 3},
+        {{"list"}, 1},
+        {{"frobnicate", good}, 1},
+        {{"list", good, "--bogus"}, 1},
+        {{"extract", good, "--body", "pdf"}, 1},
+        {{"extract", good, "--charset", "no-such-charset"}, 1},
+        {{"extract", good, "--only", "7", "-C", dir / "x"}, 1},
+        {{"props", good, "--tag", "0xZZ"}, 1},
+        {{"list", good, "--help"}, 0},
+        {{"--version"}, 0},
+    };
+    for (const Case& c : cases) {
+        ToolRun run = runTool(c.args);
+        EXPECT_EQ(run.exitCode, c.exitCode) << c.args[0] << " " << (c.args.size() > 1 ? c.args[1] : "")
+                                            << "\n" << run.err;
+    }
+    if (std::string corpus = corpusDir(); !corpus.empty()) {
+        EXPECT_EQ(runTool({"list", corpus + "/invalid-checksum.tnef"}).exitCode, 3);
+        EXPECT_EQ(runTool({"extract", corpus + "/invalid-checksum.tnef", "-C", dir / "y"}).exitCode, 3);
+    }
+}
+
+TEST(CliJson, ListAndPropsHaveTheirShapes) {
+    TempDir dir;
+    std::string file = writeFile(dir.path() / "good.tnef", sampleStream());
+    Json list = runTool({"list", file, "--json"}).json();
+    EXPECT_EQ(keysOf(list), (Keys{"file", "status", "error", "summary", "subfiles"}));
+    EXPECT_EQ(keysOf(list["summary"]), (Keys{"from", "sent", "to", "cc", "bcc", "subject", "importance"}));
+    EXPECT_EQ(list["summary"]["subject"], "Hello");
+    EXPECT_EQ(list["summary"]["from"], "\"Ann\" <ann@example.com>");
+    EXPECT_EQ(list["summary"]["sent"], "2009-05-04T10:20:30Z");
+    EXPECT_EQ(list["summary"]["importance"], "High");
+    ASSERT_EQ(list["subfiles"].size(), 2u);
+    EXPECT_EQ(keysOf(list["subfiles"][0]),
+              (Keys{"index", "name", "type", "size", "time", "charset", "parentIndex", "children"}));
+    EXPECT_EQ(list["subfiles"][0]["children"], Json::array({1}));
+    EXPECT_EQ(keysOf(list["subfiles"][1]), (Keys{"index", "name", "type", "size", "time", "parentIndex"}));
+    EXPECT_EQ(list["subfiles"][1]["name"], "report.pdf");
+    EXPECT_EQ(list["subfiles"][1]["type"], "attachment");
+    EXPECT_EQ(list["subfiles"][1]["size"], 14);
+
+    Json props = runTool({"props", file, "--json"}).json();
+    EXPECT_EQ(keysOf(props), (Keys{"file", "status", "error", "index", "queryStatus", "properties"}));
+    ASSERT_EQ(props["properties"].size(), 7u);
+    EXPECT_EQ(props["properties"][5],
+              (Json{{"name", "Subject"}, {"tag", nullptr}, {"found", true}, {"type", "text8"},
+                              {"value", "Hello"}}));
+    EXPECT_EQ(props["properties"][6]["value"], 2);
+
+    ToolRun tagged = runTool({"props", file, "--tag", "0x0037001E", "--tag", "0x0037001F", "--json"});
+    EXPECT_EQ(tagged.exitCode, 0) << tagged.err;
+    Json answer = tagged.json()["properties"];
+    ASSERT_EQ(answer.size(), 2u);
+    EXPECT_EQ(answer[0]["tag"], "0x0037001E");
+    EXPECT_EQ(answer[0]["value"], "Hello");
+    EXPECT_EQ(answer[1]["found"], false);
+}
+
+TEST(CliJson, ExtractReportsWhatItWroteAndTheMessageInTheFormAskedFor) {
+    TempDir dir;
+    std::string file = writeFile(dir.path() / "good.tnef", sampleStream());
+    ToolRun run = runTool({"extract", file, "-C", dir / "out", "--body", "text", "--json"});
+    EXPECT_EQ(run.exitCode, 0) << run.err;
+    Json report = run.json();
+    EXPECT_EQ(keysOf(report), (Keys{"file", "status", "error", "written", "links"}));
+    ASSERT_EQ(report["written"].size(), 2u);
+    EXPECT_EQ(report["written"][0]["name"], "Hello.mail");
+    EXPECT_EQ(report["written"][0]["form"], "text");
+    EXPECT_EQ(report["written"][0]["path"], dir / "out/Hello.mail.txt");
+    EXPECT_EQ(report["written"][1], (Json{{"index", 1}, {"name", "report.pdf"},
+                                                    {"path", dir / "out/report.pdf"}, {"bytes", 14},
+                                                    {"status", 0}}));
+    std::ifstream in(dir / "out/Hello.mail.txt", std::ios::binary);
+    std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    EXPECT_NE(text.find("Subject: Hello\r\n"), std::string::npos) << text;
+    ASSERT_GE(text.size(), 9u);
+    EXPECT_EQ(text.substr(text.size() - 9), "Body text");
+
+    ToolRun bare = runTool({"show", file, "--no-header"});
+    EXPECT_EQ(bare.exitCode, 0) << bare.err;
+    EXPECT_EQ(bare.out, "Body text");
+}
+
+TEST(CliBatch, ProcessesFilesAndFoldersAndReportsEachFile) {
+    TempDir dir;
+    fs::create_directories(dir.path() / "in/sub");
+    writeFile(dir.path() / "in/a.tnef", sampleStream());
+    writeFile(dir.path() / "in/sub/a.tnef", sampleStream());
+    writeFile(dir.path() / "in/sub/junk.bin", bytesOf("not TNEF"));
+    ToolRun run = runTool({"batch", dir / "in", "-C", dir / "out", "--jobs", "2", "--json"});
+    EXPECT_EQ(run.exitCode, 3) << run.err;
+    EXPECT_EQ(run.err, "");  // no progress bar when stderr is not a terminal
+    Json report = run.json();
+    ASSERT_EQ(report["files"].size(), 3u);
+    EXPECT_EQ(report["counts"], (Json{{"files", 3}, {"ok", 2}, {"partial", 0}, {"failed", 1}}));
+    EXPECT_EQ(report["files"][0]["file"], dir / "in/a.tnef");
+    EXPECT_EQ(report["files"][0]["outcome"], "ok");
+    EXPECT_EQ(report["files"][0]["folder"], dir / "out/a.tnef");
+    EXPECT_EQ(report["files"][1]["folder"], dir / "out/a (1).tnef");
+    EXPECT_EQ(report["files"][2]["outcome"], "failed");
+    EXPECT_EQ(report["files"][2]["error"], "not a TNEF stream");
+    EXPECT_TRUE(fs::exists(dir.path() / "out/a (1).tnef/report.pdf"));
+
+    ToolRun good = runTool({"batch", dir / "in/a.tnef", "-C", dir / "out2"});
+    EXPECT_EQ(good.exitCode, 0) << good.err;
+    EXPECT_NE(good.out.find("1 files: 1 ok, 0 partial, 0 failed"), std::string::npos) << good.out;
+}
+
+}  // namespace
+}  // namespace tneftest

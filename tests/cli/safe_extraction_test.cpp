@@ -1,0 +1,123 @@
+// Names from a stream are never trusted as paths: every file lands inside
+// the target folder under a safe, unique name, and nothing is overwritten
+// without --overwrite.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "tests/cli/cli_runner.h"
+
+namespace tneftest {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr uint32_t kAttachByReference = 2;
+
+struct Hostile {
+    std::string stored;
+    std::string written;
+};
+
+const std::vector<Hostile>& hostileNames() {
+    static const std::vector<Hostile> names = {
+        {"../../escape", "___.._escape"},
+        {"/etc/passwd", "_etc_passwd"},
+        {"a/b\\c", "a_b_c"},
+        {"CON", "_CON"},
+        {"lpt1.txt", "_lpt1.txt"},
+        {"bad\x01\x1b[31mname\x7f.txt", "bad__[31mname_.txt"},
+        {"folder/", "folder_"},
+        {"..", "subfile-8"},  // nothing left: named after its index
+        {"C:\\evil.exe", "C__evil.exe"},
+        {" trailing. . ", "trailing"},
+        {"same.txt", "same.txt"},
+        {"same.txt", "same (1).txt"},
+        {"SAME.txt", "SAME (2).txt"},
+        {std::string(300, 'x') + ".pdf", std::string(196, 'x') + ".pdf"},
+    };
+    return names;
+}
+
+std::string payloadOf(size_t i) {
+    return "payload " + std::to_string(i);
+}
+
+// Attachments by reference keep their long file names exactly as stored.
+Bytes hostileStream() {
+    MessageSpec spec;
+    spec.body = "Body";
+    spec.props = {Prop::string8(kTagSubject8, "Hostile")};
+    for (size_t i = 0; i < hostileNames().size(); ++i) {
+        AttachmentSpec attachment;
+        attachment.data = bytesOf(payloadOf(i));
+        attachment.props = {Prop::int32(kTagAttachMethod, kAttachByReference),
+                            Prop::string8(kTagAttachLongFilename8, hostileNames()[i].stored)};
+        spec.attachments.push_back(attachment);
+    }
+    return buildMessage(spec);
+}
+
+std::string contentOf(const fs::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+TEST(SafeExtraction, HostileNamesLandInsideTheFolderUnderSafeUniqueNames) {
+    TempDir root;
+    std::string input = writeFile(root.path() / "hostile.tnef", hostileStream());
+    fs::path out = root.path() / "deep" / "out";  // made by the tool
+    ToolRun run = runTool({"extract", input, "-C", out.string(), "--body", "none", "--json"});
+    EXPECT_EQ(run.exitCode, 0) << run.err;
+
+    std::vector<std::string> expected;
+    for (size_t i = 0; i < hostileNames().size(); ++i) {
+        const std::string& name = hostileNames()[i].written;
+        SCOPED_TRACE(name);
+        EXPECT_EQ(contentOf(out / name), payloadOf(i));
+        expected.push_back(name);
+    }
+    std::sort(expected.begin(), expected.end());
+    EXPECT_EQ(filesBelow(out), expected);
+    // Nothing beside the input and the output folder anywhere under root.
+    std::vector<std::string> all = filesBelow(root.path());
+    EXPECT_EQ(all.size(), expected.size() + 1);
+
+    Json report = run.json();
+    ASSERT_EQ(report["written"].size(), hostileNames().size());
+    EXPECT_EQ(report["written"][0]["name"], "../../escape");
+    EXPECT_EQ(report["written"][0]["path"], (out / "___.._escape").string());
+}
+
+TEST(SafeExtraction, ExistingFilesAreReplacedOnlyWithOverwrite) {
+    TempDir root;
+    std::string input = writeFile(root.path() / "hostile.tnef", hostileStream());
+    std::string out = root / "out";
+    std::vector<std::string> args = {"extract", input, "-C", out, "--body", "none"};
+    ASSERT_EQ(runTool(args).exitCode, 0);
+
+    // A file of the user's and a link that points outside the folder.
+    { std::ofstream(root / "out/same.txt") << "mine"; }
+    { std::ofstream(root / "outside") << "keep"; }
+    fs::remove(root / "out/_etc_passwd");
+    fs::create_symlink(root / "outside", root / "out/_etc_passwd");
+
+    ToolRun again = runTool(args);
+    EXPECT_EQ(again.exitCode, 3);
+    EXPECT_NE(again.err.find("exists"), std::string::npos) << again.err;
+    EXPECT_EQ(contentOf(root / "out/same.txt"), "mine");
+    EXPECT_EQ(contentOf(root / "outside"), "keep");
+
+    args.push_back("--overwrite");
+    ToolRun replaced = runTool(args);
+    EXPECT_EQ(replaced.exitCode, 0) << replaced.err;
+    EXPECT_EQ(contentOf(root / "out/same.txt"), payloadOf(10));
+    EXPECT_FALSE(fs::is_symlink(root / "out/_etc_passwd"));
+    EXPECT_EQ(contentOf(root / "out/_etc_passwd"), payloadOf(1));
+    EXPECT_EQ(contentOf(root / "outside"), "keep");
+    EXPECT_EQ(filesBelow(root / "out").size(), hostileNames().size());
+}
+
+}  // namespace
+}  // namespace tneftest
