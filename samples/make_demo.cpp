@@ -14,7 +14,7 @@ using namespace tneftest;
 
 namespace {
 
-constexpr uint64_t kSent = 0x01DB3C5A7E2F1000ull;  // 2024-11-22 09:15 UTC
+constexpr uint64_t kSent = 0x01DB3C5A7E2F1000ull;  // 2024-11-21 21:15:29 UTC
 
 Bytes olePackage() {
     OlePackage package;

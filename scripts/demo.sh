@@ -4,8 +4,14 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 ./scripts/install-deps.sh
 cmake -S . -B build -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
-cmake --build build -j "$(nproc 2>/dev/null || echo 2)" --target tnef-reader tnefreader zdolefio 2>/dev/null \
-  || cmake --build build -j "$(nproc 2>/dev/null || echo 2)"
+cmake --build build -j "$(nproc 2>/dev/null || echo 2)" --target tnef-reader tnefreader zdolefio
+echo
 ./build/cli/tnef-reader list samples/demo.tnef
 echo
-./build/cli/tnef-reader show samples/demo.tnef
+./build/cli/tnef-reader props samples/demo.tnef
+echo
+out=$(mktemp -d)
+./build/cli/tnef-reader extract samples/demo.tnef -C "$out"
+echo
+echo "== the unpacked OLE package ($out/hello.txt):"
+cat "$out/hello.txt"
