@@ -12,16 +12,16 @@ namespace {
 constexpr uint64_t kSent = 0x01C9CC5E12345678ull;
 
 Bytes queriedStream(bool withRecipients) {
-    MessageSpec spec{.props = {Prop::unicode(kTagSubject16, "Hi"), Prop::time(kTagClientSubmitTime, kSent),
+    MessageLayout plan{.props = {Prop::unicode(kTagSubject16, "Hi"), Prop::time(kTagClientSubmitTime, kSent),
                                Prop::int32(kTagImportance, 2), Prop::unicode(kTagSentRepresentingName16, "Ann"),
                                Prop::int32(0x10000003, 7), Prop::raw(0x10010001, {})},
                      .attachments = {{.props = {Prop::int32(kTagAttachMethod, 1),
                                                 Prop::string8(kTagAttachLongFilename8, "a.txt")}}}};
     if (withRecipients) {
-        spec.recipients = std::vector<std::vector<Prop>>{
+        plan.recipients = std::vector<std::vector<Prop>>{
             {Prop::string8(kTagDisplayName8, "Bob"), Prop::string8(kTagEmailAddress8, "b@x")}};
     }
-    return buildMessage(spec);
+    return buildMessage(plan);
 }
 
 void release(OpenedStream& s, MetadataResult& result, int32_t slots) {

@@ -60,7 +60,7 @@ TEST(SubfileNaming, Attachments) {
     Prop embedded = Prop::int32(kTagAttachMethod, 5);
     Prop ole = Prop::int32(kTagAttachMethod, 6);
     struct Case {
-        AttachmentSpec attachment;
+        AttachmentLayout attachment;
         const char* name;
     };
     const Case cases[] = {

@@ -16,14 +16,14 @@ namespace fs = std::filesystem;
 constexpr uint64_t kSentTime = 0x01C9CCA1F345AB00ull;  // 2009-05-04T10:20:30Z
 
 Bytes sampleStream() {
-    MessageSpec spec;
-    spec.body = "Body text";
-    spec.props = {Prop::string8(kTagSubject8, "Hello"), Prop::time(kTagClientSubmitTime, kSentTime),
+    MessageLayout plan;
+    plan.body = "Body text";
+    plan.props = {Prop::string8(kTagSubject8, "Hello"), Prop::time(kTagClientSubmitTime, kSentTime),
                   Prop::int32(kTagImportance, 2),
                   Prop::string8(kTagSentRepresentingName8, "Ann"),
                   Prop::string8(kTagSentRepresentingEmail8, "ann@example.com")};
-    spec.attachments.push_back({"report.pdf", bytesOf("%PDF-1.4 small"), {}});
-    return buildMessage(spec);
+    plan.attachments.push_back({"report.pdf", bytesOf("%PDF-1.4 small"), {}});
+    return buildMessage(plan);
 }
 
 std::vector<std::string> keysOf(const Json& object) {

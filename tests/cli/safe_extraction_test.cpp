@@ -46,17 +46,17 @@ std::string payloadOf(size_t i) {
 
 // Attachments by reference keep their long file names exactly as stored.
 Bytes hostileStream() {
-    MessageSpec spec;
-    spec.body = "Body";
-    spec.props = {Prop::string8(kTagSubject8, "Hostile")};
+    MessageLayout plan;
+    plan.body = "Body";
+    plan.props = {Prop::string8(kTagSubject8, "Hostile")};
     for (size_t i = 0; i < hostileNames().size(); ++i) {
-        AttachmentSpec attachment;
+        AttachmentLayout attachment;
         attachment.data = bytesOf(payloadOf(i));
         attachment.props = {Prop::int32(kTagAttachMethod, kAttachByReference),
                             Prop::string8(kTagAttachLongFilename8, hostileNames()[i].stored)};
-        spec.attachments.push_back(attachment);
+        plan.attachments.push_back(attachment);
     }
-    return buildMessage(spec);
+    return buildMessage(plan);
 }
 
 std::string contentOf(const fs::path& path) {

@@ -17,14 +17,14 @@ const std::string kPrivet1251 = "\xCF\xF0\xE8\xE2\xE5\xF2";
 const std::string kPrivetUtf8 = "Привет";
 
 Bytes streamWith(uint32_t codePage, std::vector<Prop> props, const std::string& attachmentName) {
-    MessageSpec spec;
-    spec.props = std::move(props);
-    spec.props.push_back(Prop::int32(kTagMessageCodepage, static_cast<int32_t>(codePage)));
-    AttachmentSpec attachment;
+    MessageLayout plan;
+    plan.props = std::move(props);
+    plan.props.push_back(Prop::int32(kTagMessageCodepage, static_cast<int32_t>(codePage)));
+    AttachmentLayout attachment;
     attachment.data = bytesOf("data");
     attachment.props = {Prop::string8(kTagAttachLongFilename8, attachmentName)};
-    spec.attachments.push_back(attachment);
-    return buildMessage(spec);
+    plan.attachments.push_back(attachment);
+    return buildMessage(plan);
 }
 
 TEST(CliText, SubjectsAndNamesComeOutAsUtf8) {

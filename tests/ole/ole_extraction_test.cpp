@@ -46,7 +46,7 @@ TEST(OleExtraction, PayloadStreams) {
     OlePackage oversized = package;
     struct Case {
         const char* what;
-        std::vector<CfbEntrySpec> entries;
+        std::vector<CfbEntryLayout> entries;
         Bytes expected;
         std::string name;
     };

@@ -9,7 +9,7 @@ namespace {
 
 // Mini streams enough for two mini FAT sectors, regular streams, two
 // directory sectors and, with the DIFAT option, two DIFAT sectors.
-std::vector<CfbEntrySpec> sampleSpecs() {
+std::vector<CfbEntryLayout> sampleSpecs() {
     return {{"m1", patternBytes(4000, 1)}, {"m2", patternBytes(4000, 2)},
             {"m3", patternBytes(4000, 3)}, {"r1", patternBytes(5000, 4)},
             {"r2", patternBytes(9000, 5)}};
@@ -56,8 +56,8 @@ TEST(OleDamage, SizesThatDisagreeWithTheChain) {
              {"m1", 3000}, {"m1", 4033}, {"m1", 5000}, {"r1", 5200}, {"r1", 4000}, {"r1", 0xFFFFFFFF}}) {
         SCOPED_TRACE(name + " " + std::to_string(size));
         auto specs = sampleSpecs();
-        for (auto& spec : specs)
-            if (spec.name == name) spec.sizeOverride = size;
+        for (auto& plan : specs)
+            if (plan.name == name) plan.sizeOverride = size;
         OpenedStorage file(buildCfb(specs));
         ASSERT_TRUE(file.open());
         EXPECT_EQ(file.read(name), std::nullopt);
@@ -66,7 +66,7 @@ TEST(OleDamage, SizesThatDisagreeWithTheChain) {
 }
 
 TEST(OleDamage, SiblingLinksThatLoopOrLeaveTheDirectory) {
-    const std::vector<CfbEntrySpec> specs = {{"a", bytesOf("1")}, {"b", bytesOf("2")}, {"c", bytesOf("3")}};
+    const std::vector<CfbEntryLayout> specs = {{"a", bytesOf("1")}, {"b", bytesOf("2")}, {"c", bytesOf("3")}};
     for (uint32_t left : {0u, 2u, 3u, 500u}) {  // the root, the entry itself, a sibling, nothing
         Bytes bytes = buildCfb(specs);
         const size_t directory = (bytes[0x30] + 1) * 512;
@@ -124,7 +124,7 @@ TEST(OleDamage, HostileHeadersAreRefused) {
 bool readEverything(OpenedStorage& file) {
     if (!file.open()) return false;
     bool all = true;
-    for (const CfbEntrySpec& spec : sampleSpecs()) all = file.read(spec.name, 3000) == spec.data && all;
+    for (const CfbEntryLayout& plan : sampleSpecs()) all = file.read(plan.name, 3000) == plan.data && all;
     return all;
 }
 
@@ -163,10 +163,10 @@ TEST(OleDamage, EachFailedIoCallEndsCleanly) {
         EXPECT_EQ(file.open(), n <= 2 || n > openCalls) << n;
         // A failed read shortens what a read call returns; the caller may read
         // on, so what comes is always the stream's own bytes, perhaps fewer.
-        for (const CfbEntrySpec& spec : file.storage ? sampleSpecs() : std::vector<CfbEntrySpec>{}) {
-            std::optional<Bytes> got = file.read(spec.name, 3000);
+        for (const CfbEntryLayout& plan : file.storage ? sampleSpecs() : std::vector<CfbEntryLayout>{}) {
+            std::optional<Bytes> got = file.read(plan.name, 3000);
             if (got) {
-                EXPECT_EQ(*got, slice(spec.data, 0, got->size())) << n;
+                EXPECT_EQ(*got, slice(plan.data, 0, got->size())) << n;
             }
         }
         EXPECT_EQ(file.close(), "") << n;

@@ -9,12 +9,12 @@ namespace {
 
 TEST(OleNames, LookupTable) {
     const std::string longest(31, 'n');
-    std::vector<CfbEntrySpec> specs = {
+    std::vector<CfbEntryLayout> specs = {
         {"\x01Ole10Native", bytesOf("native")}, {"\x01" "CompObj", bytesOf("compobj")},
         {"\x06Primary", bytesOf("primary")},    {"Workbook", bytesOf("workbook")},
         {"CONTENTS", bytesOf("contents")},      {"Größe", bytesOf("size")},
         {"\xF0\x9F\x98\x80x", bytesOf("emoji")}, {longest, bytesOf("long")},
-        CfbEntrySpec::emptyStorage("Package"),
+        CfbEntryLayout::emptyStorage("Package"),
     };
     struct Case {
         std::string query;

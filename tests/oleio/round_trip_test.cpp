@@ -26,15 +26,15 @@ TEST(OleRoundTrip, EveryLayoutReadsBackWhole) {
     };
     for (const Layout& layout : layouts) {
         SCOPED_TRACE(layout.label);
-        std::vector<CfbEntrySpec> specs;
+        std::vector<CfbEntryLayout> specs;
         for (size_t i = 0; i < layout.sizes.size(); ++i)
             specs.push_back({"s" + std::to_string(i), patternBytes(layout.sizes[i], uint8_t(i))});
         OpenedStorage file(buildCfb(specs, layout.options));
         ASSERT_TRUE(file.open());
         for (uint32_t chunk : {7u, 4096u, 1u << 20}) {
-            for (const CfbEntrySpec& spec : specs) {
-                SCOPED_TRACE(spec.name + " chunk " + std::to_string(chunk));
-                EXPECT_EQ(file.read(spec.name, chunk), spec.data);
+            for (const CfbEntryLayout& plan : specs) {
+                SCOPED_TRACE(plan.name + " chunk " + std::to_string(chunk));
+                EXPECT_EQ(file.read(plan.name, chunk), plan.data);
             }
         }
         EXPECT_EQ(file.close(), "");

@@ -115,7 +115,7 @@ TEST(Extract, BodyFormOfTheMessage) {
     Prop subject = Prop::string8(kTagSubject8, "s");
     struct Case {
         const char* what;
-        MessageSpec spec;
+        MessageLayout plan;
         std::string withoutFlag;
         std::string withFlag;
     };
@@ -127,7 +127,7 @@ TEST(Extract, BodyFormOfTheMessage) {
         {"text only", {.body = "b", .props = {subject}}, "Subject: s\r\n", "Subject: s\r\n"},
     };
     for (const Case& c : cases) {
-        OpenedStream s(buildMessage(c.spec));
+        OpenedStream s(buildMessage(c.plan));
         EXPECT_EQ(renderedStart(s, 0), c.withoutFlag) << c.what;
         EXPECT_EQ(renderedStart(s, 4), c.withFlag) << c.what;
     }

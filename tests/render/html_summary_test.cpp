@@ -28,7 +28,7 @@ Adjust charsets(CharsetId declared, CharsetId charset) {
 }
 
 TEST(HtmlSummary, WholeHeaders) {
-    MessageSpec full = withProps(
+    MessageLayout full = withProps(
         {Prop::string8(kTagSentRepresentingName8, "Alice Smith"),
          Prop::string8(kTagSentRepresentingEmail8, "alice@example.com"),
          Prop::time(kTagClientSubmitTime, kSent2006), Prop::string8(kTagSubject8, "Caf\xE9 & plan"),
@@ -40,7 +40,7 @@ TEST(HtmlSummary, WholeHeaders) {
          {"t.txt", Bytes{5}, {Prop::raw(kTagAttachLongFilename16, {Bytes(4, 0)})}},
          {"u.txt", Bytes{6}, {Prop::raw(kTagAttachLongFilename8, {Bytes(2, 0)})}}});
     full.oemCodePage = 1252;
-    MessageSpec bare{};
+    MessageLayout bare{};
     // 5000 units of mixed widths run over the flush mark several times.
     const uint16_t units[] = {0x41, 0x4E2D, 0x7F, 0xFFFF, 0x3B1};
     std::string longText, references;
@@ -49,7 +49,7 @@ TEST(HtmlSummary, WholeHeaders) {
         references += "&#" + std::to_string(units[i % 5]);
     }
     auto importance = [](int32_t value) { return withProps({Prop::int32(kTagImportance, value)}); };
-    struct Case { const char* name; MessageSpec spec; Adjust adjust; std::string expected; };
+    struct Case { const char* name; MessageLayout plan; Adjust adjust; std::string expected; };
     const std::vector<Case> cases = {
         {"8-bit through the host, names of every form", full,
          [](OpenedStream& s) {
@@ -100,7 +100,7 @@ TEST(HtmlSummary, WholeHeaders) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        OpenedStream s(buildMessage(c.spec));
+        OpenedStream s(buildMessage(c.plan));
         ASSERT_EQ(s.status, 0);
         if (c.adjust) c.adjust(s);
         EXPECT_EQ(writeHeader(s, tnefWriteHtmlSummaryField), c.expected);

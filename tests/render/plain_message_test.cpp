@@ -58,7 +58,7 @@ void setSlot(OpenedStream& s, int32_t index, int32_t type, const Bytes& text, co
 
 struct WholeCase {
     const char* name;
-    MessageSpec spec;
+    MessageLayout plan;
     std::function<void(OpenedStream&)> adjust;
     CharsetId wanted;
     bool omitHeader;
@@ -68,7 +68,7 @@ struct WholeCase {
 };
 
 TEST(PlainMessage, WholeOutputs) {
-    MessageSpec typical{1252, std::nullopt, "Hello\r\nCaf\xE9",
+    MessageLayout typical{1252, std::nullopt, "Hello\r\nCaf\xE9",
                         {Prop::string8(kTagSentRepresentingName8, "Alice"),
                          Prop::string8(kTagSentRepresentingEmail8, "alice@example.com"),
                          Prop::time(kTagClientSubmitTime, kSent2006),
@@ -78,7 +78,7 @@ TEST(PlainMessage, WholeOutputs) {
                           {Prop::string8(kTagAttachLongFilename8, "C:\\docs\\report.pdf")}},
                          {"notes.txt", Bytes{2}, {}},
                          {std::nullopt, Bytes{3}, {}}}};
-    MessageSpec wide16{std::nullopt, std::nullopt, "Hello",
+    MessageLayout wide16{std::nullopt, std::nullopt, "Hello",
                        {Prop::unicode(kTagSentRepresentingName16, "Alice"),
                         Prop::unicode(kTagSentRepresentingEmail16, "alice@example.com"),
                         Prop::time(kTagClientSubmitTime, kSent2006),
@@ -86,18 +86,18 @@ TEST(PlainMessage, WholeOutputs) {
                        std::nullopt,
                        {{std::nullopt, Bytes{1},
                          {Prop::unicode(kTagAttachLongFilename16, "x/r\xC3\xA9sum\xC3\xA9.doc")}}}};
-    MessageSpec plain{std::nullopt, std::nullopt, "Body", {Prop::time(kTagClientSubmitTime, kSent2006)}};
-    MessageSpec cp1252{1252, std::nullopt, "Caf\xE9",
+    MessageLayout plain{std::nullopt, std::nullopt, "Body", {Prop::time(kTagClientSubmitTime, kSent2006)}};
+    MessageLayout cp1252{1252, std::nullopt, "Caf\xE9",
                        {Prop::string8(kTagSubject8, "Caf\xE9"), Prop::int32(kTagImportance, 3)}};
     auto to8 = [](OpenedStream& s) { setSlot(s, 2, kElementText8, bytesOf(std::string("Bob\0", 4)), "To"); };
     auto charset = [](CharsetId id) {
         return [id](OpenedStream& s) { objectAt(s.container, 0)->charset = id; };
     };
-    MessageSpec names{1252, std::nullopt, std::nullopt, {Prop::int32(kTagImportance, 0)}, std::nullopt,
+    MessageLayout names{1252, std::nullopt, std::nullopt, {Prop::int32(kTagImportance, 0)}, std::nullopt,
                       {{"t.txt", Bytes{1}, {Prop::raw(kTagAttachLongFilename16, {Bytes(4, 0)})}},
                        {"u.txt", Bytes{2}, {}},
                        {std::nullopt, Bytes{3}, {Prop::raw(kTagAttachLongFilename8, {Bytes(1, 0)})}}}};
-    MessageSpec titleFirst{1252, std::nullopt, std::nullopt, {}, std::nullopt,
+    MessageLayout titleFirst{1252, std::nullopt, std::nullopt, {}, std::nullopt,
                            {{"notes.txt", Bytes{1}, {}},
                             {std::nullopt, Bytes{2}, {Prop::string8(kTagAttachLongFilename8, "a.pdf")}}}};
 
@@ -156,7 +156,7 @@ TEST(PlainMessage, WholeOutputs) {
     };
     for (const WholeCase& c : cases) {
         SCOPED_TRACE(c.name);
-        OpenedStream s(buildMessage(c.spec));
+        OpenedStream s(buildMessage(c.plan));
         ASSERT_EQ(s.status, 0);
         if (c.adjust) c.adjust(s);
         Rendered first = renderPlain(s, c.wanted, c.omitHeader);
@@ -204,11 +204,11 @@ TEST(PlainMessage, DateTexts) {
     }
 }
 
-MessageSpec bodyOnly() {
-    MessageSpec spec;
-    spec.oemCodePage = 1252;
-    spec.body = "Caf\xE9";
-    return spec;
+MessageLayout bodyOnly() {
+    MessageLayout plan;
+    plan.oemCodePage = 1252;
+    plan.body = "Caf\xE9";
+    return plan;
 }
 
 TEST(PlainMessage, InputFailuresAtTheBody) {
@@ -242,11 +242,11 @@ bool madeOf(const std::string& text, const std::vector<std::vector<std::string>>
 // Refusing each allocation of a rendering in turn drops whole pieces (or
 // falls back to a later name source), never leaks and never fails.
 TEST(PlainMessage, RefusedAllocations) {
-    MessageSpec spec = bodyOnly();
-    spec.props = {Prop::string8(kTagSentRepresentingName8, "Al"),
+    MessageLayout plan = bodyOnly();
+    plan.props = {Prop::string8(kTagSentRepresentingName8, "Al"),
                   Prop::time(kTagClientSubmitTime, 127806446450000000ULL),
                   Prop::string8(kTagSubject8, "S")};
-    spec.attachments = {{std::nullopt, Bytes{1}, {Prop::string8(kTagAttachLongFilename8, "a.pdf")}}};
+    plan.attachments = {{std::nullopt, Bytes{1}, {Prop::string8(kTagAttachLongFilename8, "a.pdf")}}};
     const std::vector<std::vector<std::string>> pieces = {
         {wide("From: \"Al\"\r\n"), ""},
         {wide("Sent: Mon Jan 02 03:04:05 2006\r\n"), ""},
@@ -261,7 +261,7 @@ TEST(PlainMessage, RefusedAllocations) {
     for (;; ++n) {
         SCOPED_TRACE(n);
         ASSERT_LT(n, 30u);
-        OpenedStream s(buildMessage(spec));
+        OpenedStream s(buildMessage(plan));
         size_t live = s.host.memory().liveBlocks();
         s.host.memory().refuseRequest(n);
         Rendered r = renderPlain(s, 51);

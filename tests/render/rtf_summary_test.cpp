@@ -31,7 +31,7 @@ Adjust charset(CharsetId id, bool shiftJisDefault = false) {
 }
 
 TEST(RtfSummary, WholeHeaders) {
-    MessageSpec typical{1252, std::nullopt, std::nullopt,
+    MessageLayout typical{1252, std::nullopt, std::nullopt,
                         {Prop::string8(kTagSentRepresentingName8, "Al"), Prop::string8(kTagSentRepresentingEmail8, "a@x"),
                          Prop::time(kTagClientSubmitTime, kSent2006), Prop::int32(kTagImportance, 2)},
                         std::nullopt,
@@ -41,8 +41,8 @@ TEST(RtfSummary, WholeHeaders) {
                          {std::nullopt, Bytes{4}, {Prop::unicode(kTagAttachLongFilename16, "\xE4\xB8\xAD")}},
                          {std::nullopt, Bytes{5}, {}},
                          {"t.txt", Bytes{6}, {Prop::raw(kTagAttachLongFilename16, {Bytes(2, 0)})}}}};
-    MessageSpec normal{std::nullopt, std::nullopt, std::nullopt, {Prop::int32(kTagImportance, 1)}};
-    MessageSpec bare{};
+    MessageLayout normal{std::nullopt, std::nullopt, std::nullopt, {Prop::int32(kTagImportance, 1)}};
+    MessageLayout bare{};
     // "{Café \ € 中?中", U+FFFD, a lone high surrogate, "}".
     const std::string singleByte =
         wide("{Caf\xC3\xA9 \\ \xE2\x82\xAC \xE4\xB8\xAD?\xE4\xB8\xAD\xEF\xBF\xBD") + "\x3D\xD8}" + '\0';
@@ -54,7 +54,7 @@ TEST(RtfSummary, WholeHeaders) {
         longText += wide(pieces[i % 3]);
         longLine += (i == 2 ? "\\uc2" : "") + encoded[i % 3];
     }
-    struct Case { const char* name; MessageSpec spec; Adjust adjust; std::string expected; };
+    struct Case { const char* name; MessageLayout plan; Adjust adjust; std::string expected; };
     const std::vector<Case> cases = {
         {"8-bit sender, names of every form", typical, nullptr,
          kHead1252 + "\\b From: \\b0 \"Al\" <a@x>\\par \\b Sent: \\b0 Mon Jan 02 03:04:05 2006\\par "
@@ -95,7 +95,7 @@ TEST(RtfSummary, WholeHeaders) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        OpenedStream s(buildMessage(c.spec));
+        OpenedStream s(buildMessage(c.plan));
         ASSERT_EQ(s.status, 0);
         if (c.adjust) c.adjust(s);
         EXPECT_EQ(writeHeader(s, tnefWriteRtfSummaryField), c.expected);

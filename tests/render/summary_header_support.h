@@ -45,8 +45,8 @@ inline void setSlot(OpenedStream& s, int32_t index, int32_t type, const std::str
 }
 
 // A message with these properties and attachments.
-inline MessageSpec withProps(std::vector<Prop> props, std::vector<AttachmentSpec> attachments = {}) {
-    return MessageSpec{std::nullopt, std::nullopt, std::nullopt, props, std::nullopt, attachments};
+inline MessageLayout withProps(std::vector<Prop> props, std::vector<AttachmentLayout> attachments = {}) {
+    return MessageLayout{std::nullopt, std::nullopt, std::nullopt, props, std::nullopt, attachments};
 }
 
 // UTF-16LE of a UTF-8 text, as a byte string.

@@ -8,9 +8,9 @@ using namespace tneftest;
 namespace {
 
 Bytes message(const std::vector<Prop>& props) {
-    MessageSpec spec;
-    spec.props = props;
-    return buildMessage(spec);
+    MessageLayout plan;
+    plan.props = props;
+    return buildMessage(plan);
 }
 std::string w16(const std::string& s) {
     Bytes b = utf16(s);
@@ -83,12 +83,12 @@ TEST(MessageSummary, SlotsFromProperties) {
 }
 
 TEST(MessageSummary, EveryRefusedAllocationOfOpen) {
-    MessageSpec spec;
-    spec.props = {Prop::string8(kTagSenderName8, "N"), Prop::string8(kTagSenderEmail8, "n@x"),
+    MessageLayout plan;
+    plan.props = {Prop::string8(kTagSenderName8, "N"), Prop::string8(kTagSenderEmail8, "n@x"),
                   Prop::string8(kTagSubject8, "Hi")};
-    spec.recipients = std::vector<std::vector<Prop>>(
+    plan.recipients = std::vector<std::vector<Prop>>(
         3, {Prop::string8(kTagDisplayName8, std::string(1000, 'k'))});
-    const Bytes stream = buildMessage(spec);
+    const Bytes stream = buildMessage(plan);
     const uint64_t requests = OpenedStream(stream).host.memory().requests();
     bool arrayRefused = false;
     for (uint64_t n = 1; n <= requests; ++n) {

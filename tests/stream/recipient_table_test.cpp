@@ -90,7 +90,7 @@ TEST(RecipientTable, AssemblesListsInBothForms) {
         EXPECT_EQ(objectAt(s.container, 0)->charset, c.wide ? kCharsetUnicode : kCharsetNone);
         EXPECT_EQ(s.close(), "");
     }
-    EXPECT_EQ(lists(OpenedStream(buildMessage(MessageSpec{}))), "null|null|null");
+    EXPECT_EQ(lists(OpenedStream(buildMessage(MessageLayout{}))), "null|null|null");
     EXPECT_EQ(lists(OpenedStream(withTable(Bytes{1, 0}))), "-|-|-");  // no room for a row count
 }
 

@@ -23,7 +23,7 @@ struct Chain {
 };
 
 struct Item {
-    const CfbEntrySpec* spec = nullptr;
+    const CfbEntryLayout* plan = nullptr;
     Bytes name16;
     bool mini = false;
     Chain chain;
@@ -97,7 +97,7 @@ void writeEntry(uint8_t* p, const Bytes& name16, uint8_t type, uint32_t left, ui
 
 }  // namespace
 
-Bytes buildCfb(const std::vector<CfbEntrySpec>& entries, const CfbOptions& options) {
+Bytes buildCfb(const std::vector<CfbEntryLayout>& entries, const CfbOptions& options) {
     if (options.version != 3 && options.version != 4)
         throw std::invalid_argument("version must be 3 or 4");
     const uint32_t ss = options.version == 3 ? 512 : 4096;
@@ -107,19 +107,19 @@ Bytes buildCfb(const std::vector<CfbEntrySpec>& entries, const CfbOptions& optio
     std::vector<Item> items;
     std::vector<uint32_t> miniFat;
     Bytes miniBytes;
-    for (const CfbEntrySpec& spec : entries) {
+    for (const CfbEntryLayout& plan : entries) {
         Item item;
-        item.spec = &spec;
-        item.name16 = utf16(spec.name);
-        item.mini = !spec.storage && spec.data.size() < kCutoff;
+        item.plan = &plan;
+        item.name16 = utf16(plan.name);
+        item.mini = !plan.storage && plan.data.size() < kCutoff;
         if (item.mini) {
-            uint32_t count = unitsFor(spec.data.size(), kMini);
+            uint32_t count = unitsFor(plan.data.size(), kMini);
             for (uint32_t k = 0; k < count; ++k) {
                 item.chain.sectors.push_back(static_cast<uint32_t>(miniFat.size()));
                 miniFat.push_back(0);
             }
             link(miniFat, item.chain);
-            miniBytes.insert(miniBytes.end(), spec.data.begin(), spec.data.end());
+            miniBytes.insert(miniBytes.end(), plan.data.begin(), plan.data.end());
             miniBytes.resize(miniFat.size() * kMini, 0);
         }
         items.push_back(std::move(item));
@@ -133,7 +133,7 @@ Bytes buildCfb(const std::vector<CfbEntrySpec>& entries, const CfbOptions& optio
     uint32_t others = directoryCount + miniFatCount + containerCount;
     std::vector<uint32_t> remaining;
     for (const Item& item : items) {
-        uint32_t count = item.mini || item.spec->storage ? 0 : unitsFor(item.spec->data.size(), ss);
+        uint32_t count = item.mini || item.plan->storage ? 0 : unitsFor(item.plan->data.size(), ss);
         remaining.push_back(count);
         others += count;
     }
@@ -184,7 +184,7 @@ Bytes buildCfb(const std::vector<CfbEntrySpec>& entries, const CfbOptions& optio
             case CfbChain::kMiniStream: breakChain(fat, container, damage.kind, total + 1000); break;
             case CfbChain::kStream: {
                 auto it = std::find_if(items.begin(), items.end(),
-                                       [&](const Item& i) { return i.spec->name == damage.stream; });
+                                       [&](const Item& i) { return i.plan->name == damage.stream; });
                 if (it == items.end()) throw std::invalid_argument("no such stream");
                 if (it->mini)
                     breakChain(miniFat, it->chain, damage.kind, static_cast<uint32_t>(miniFat.size()) + 1000);
@@ -264,13 +264,13 @@ Bytes buildCfb(const std::vector<CfbEntrySpec>& entries, const CfbOptions& optio
     for (size_t i = 0; i < items.size(); ++i) {
         const Item& item = items[i];
         uint8_t* p = dir.data() + (i + 1) * 128;
-        if (item.spec->storage) {
+        if (item.plan->storage) {
             writeEntry(p, item.name16, 1, item.left, item.right, kNoEntry, 0, 0);
             continue;
         }
         writeEntry(p, item.name16, 2, item.left, item.right, kNoEntry, item.chain.start,
-                   item.spec->sizeOverride.value_or(item.spec->data.size()));
-        if (!item.mini) fill(item.chain, item.spec->data.data(), item.spec->data.size());
+                   item.plan->sizeOverride.value_or(item.plan->data.size()));
+        if (!item.mini) fill(item.chain, item.plan->data.data(), item.plan->data.size());
     }
     fill(directory, dir.data(), dir.size());
     return file;

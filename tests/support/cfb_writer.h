@@ -14,12 +14,12 @@
 
 namespace tneftest {
 
-struct CfbEntrySpec {
-    CfbEntrySpec(std::string name, Bytes data) : name(std::move(name)), data(std::move(data)) {}
-    static CfbEntrySpec emptyStorage(std::string name) {
-        CfbEntrySpec spec(std::move(name), {});
-        spec.storage = true;
-        return spec;
+struct CfbEntryLayout {
+    CfbEntryLayout(std::string name, Bytes data) : name(std::move(name)), data(std::move(data)) {}
+    static CfbEntryLayout emptyStorage(std::string name) {
+        CfbEntryLayout plan(std::move(name), {});
+        plan.storage = true;
+        return plan;
     }
 
     std::string name;  // UTF-8; control bytes such as "\x01" stay as they are
@@ -60,7 +60,7 @@ struct CfbOptions {
 };
 
 // Throws std::invalid_argument for a damage that the layout can't take.
-Bytes buildCfb(const std::vector<CfbEntrySpec>& entries, const CfbOptions& options = {});
+Bytes buildCfb(const std::vector<CfbEntryLayout>& entries, const CfbOptions& options = {});
 
 // Overwrites a little-endian number inside built bytes (header fields, say).
 void patchLe16(Bytes& bytes, size_t offset, uint16_t value);

@@ -267,15 +267,15 @@ TnefWriter& TnefWriter::attachmentProps(const std::vector<Prop>& props) {
     return record(kLevelAttachment, kRecAttachment, propertyBlock(props));
 }
 
-Bytes buildMessage(const MessageSpec& spec) {
+Bytes buildMessage(const MessageLayout& plan) {
     TnefWriter w;
     w.version();
-    if (spec.oemCodePage) w.oemCodePage(*spec.oemCodePage);
-    if (spec.messageClass) w.messageClass(*spec.messageClass);
-    if (spec.body) w.body(*spec.body);
-    if (spec.recipients) w.recipients(*spec.recipients);
-    if (!spec.props.empty()) w.messageProps(spec.props);
-    for (const AttachmentSpec& attachment : spec.attachments) {
+    if (plan.oemCodePage) w.oemCodePage(*plan.oemCodePage);
+    if (plan.messageClass) w.messageClass(*plan.messageClass);
+    if (plan.body) w.body(*plan.body);
+    if (plan.recipients) w.recipients(*plan.recipients);
+    if (!plan.props.empty()) w.messageProps(plan.props);
+    for (const AttachmentLayout& attachment : plan.attachments) {
         w.attachRendData();
         if (attachment.title) w.attachTitle(*attachment.title);
         if (attachment.data) w.attachData(*attachment.data);

@@ -102,22 +102,22 @@ private:
 };
 
 // Shorthand for "a message with these properties and these attachments".
-struct AttachmentSpec {
+struct AttachmentLayout {
     std::optional<std::string> title;
     std::optional<Bytes> data;  // TNEFREC_ATTACHDATA when set
     std::vector<Prop> props;
 };
 
-struct MessageSpec {
+struct MessageLayout {
     std::optional<uint32_t> oemCodePage;
     std::optional<std::string> messageClass;
     std::optional<std::string> body;
     std::vector<Prop> props;
     std::optional<std::vector<std::vector<Prop>>> recipients;
-    std::vector<AttachmentSpec> attachments;
+    std::vector<AttachmentLayout> attachments;
 };
 
-Bytes buildMessage(const MessageSpec& spec);
+Bytes buildMessage(const MessageLayout& plan);
 
 // Well-known tags.
 enum : uint32_t {
