@@ -8,11 +8,10 @@
 #include "render/raw_copy.h"
 #include "render/rtf_decompress.h"
 #include "render/rtf_summary_field.h"
+#include "render/summary_line.h"
 #include "stream/property_access.h"
 
 namespace {
-
-enum : int32_t { kSummaryFields = 8 };
 
 bool locate(TnefObject* message, uint32_t tag, TnefPropLocation* location) {
     return tnefGetPropertyLocation(message, tag, location) == kTnefOk && location->length >= 1;
@@ -63,7 +62,7 @@ void writeRtfBody(TnefContainer* container, TnefObject* message, IoObject* outpu
 int32_t tnefWriteStoredBody(TnefContainer* container, TnefObject* message, BodyForm form,
                             IoObject* output) {
     if (container->omitSummaryHeader == 0) {
-        for (int32_t index = 0; index < kSummaryFields; ++index) {
+        for (int32_t index = 0; index < kSummaryFieldCount; ++index) {
             if (form == kBodyHtml) {
                 tnefWriteHtmlSummaryField(container, message, index, output);
             } else {
