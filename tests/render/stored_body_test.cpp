@@ -30,7 +30,7 @@ std::string writeBody(OpenedStream& s, BodyForm form, bool omitHeader = false) {
 }
 
 using summaryheader::withProps;
-MessageSpec rtfMessage(const std::string& text) {
+MessageLayout rtfMessage(const std::string& text) {
     return withProps({Prop::binary(kTagRtfCompressed, compressRtf(bytesOf(text)))});
 }
 
