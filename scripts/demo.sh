@@ -10,6 +10,9 @@ echo
 echo
 ./build/cli/tnef-reader props samples/demo.tnef
 echo
+echo "== the message rendered as HTML (summary header, then the stored body):"
+./build/cli/tnef-reader show --format html samples/demo.tnef
+echo
 out=$(mktemp -d)
 ./build/cli/tnef-reader extract samples/demo.tnef -C "$out"
 echo
