@@ -48,6 +48,7 @@ bool HostIo::admit(IoOp op) {
     ++opCalls_[i];
     ++calls_;
     if (failAt_[i] != 0 && opCalls_[i] == failAt_[i]) return false;
+    if (shared_ != nullptr && ++shared_->calls == shared_->failAt) return false;
     return !(failCallAt_ != 0 && calls_ == failCallAt_);
 }
 

@@ -17,6 +17,13 @@ namespace tnefhost {
 enum class IoOp { kOpen, kRead, kWrite, kSeek, kTell, kClose, kDestroy };
 constexpr size_t kIoOpCount = 7;
 
+// One count of calls shared by several objects, so that a test can fail the
+// n-th I/O call of a whole session, whichever object takes it.
+struct SharedIoFaults {
+    uint64_t calls = 0;
+    uint64_t failAt = 0;  // 1-based; 0 fails none
+};
+
 class HostIo {
 public:
     HostIo();
@@ -32,6 +39,7 @@ public:
     void failOperation(IoOp op, uint64_t nth);  // the nth call of that operation
     void failCall(uint64_t nth);                // the nth call of any operation
     void removeSlot(IoOp op);                   // leaves the slot empty
+    void joinFaults(SharedIoFaults* shared) { shared_ = shared; }
     uint64_t calls() const { return calls_; }
     uint64_t calls(IoOp op) const { return opCalls_[static_cast<size_t>(op)]; }
 
@@ -59,6 +67,7 @@ private:
     std::array<uint64_t, kIoOpCount> failAt_{};
     uint64_t calls_ = 0;
     uint64_t failCallAt_ = 0;
+    SharedIoFaults* shared_ = nullptr;
     bool deleteOnDestroy_ = false;
 };
 

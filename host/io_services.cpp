@@ -5,15 +5,17 @@
 namespace tnefhost {
 
 void hostInstallIoServices(HostContext* context) {
-    context->hostCreateTempIo = [](HostContext*, const char*, const char*) -> IoObject* {
+    context->hostCreateTempIo = [](HostContext* host, const char*, const char*) -> IoObject* {
         auto* scratch = new ScratchIo();
         scratch->setDeleteOnDestroy(true);
+        scratch->joinFaults(PosixHost::fromContext(host)->options().madeIoFaults);
         return scratch->io();
     };
-    context->hostWrapOutputIo = [](HostContext*, IoObject* output) -> IoObject* {
+    context->hostWrapOutputIo = [](HostContext* host, IoObject* output) -> IoObject* {
         if (output == nullptr) return nullptr;
         auto* wrapper = new WrapperIo(output);
         wrapper->setDeleteOnDestroy(true);
+        wrapper->joinFaults(PosixHost::fromContext(host)->options().madeIoFaults);
         return wrapper->io();
     };
 }

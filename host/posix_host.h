@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "host/io_objects.h"
 #include "host/memory.h"
 #include "reader/host.h"
 
@@ -25,6 +26,9 @@ struct HostOptions {
     // logLines().
     bool logToStderr = false;
     std::string logPrefix;
+    // When set, the objects of hostCreateTempIo and hostWrapOutputIo count
+    // their calls here, and fail the call it names.
+    SharedIoFaults* madeIoFaults = nullptr;
 };
 
 class PosixHost {
