@@ -1,4 +1,4 @@
-#include "tests/sweeps/session.h"
+#include "tests/support/session.h"
 
 #include <initializer_list>
 
@@ -36,6 +36,10 @@ public:
         host_ = std::make_unique<tnefhost::PosixHost>(options);
         hostMemory_.refuseRequest(faults.refuseHostRequest);
         results_.refuseRequest(faults.refuseResultRequest);
+        if (faults.refuseAbove != 0) {
+            hostMemory_.refuseAbove(faults.refuseAbove);
+            results_.refuseAbove(faults.refuseAbove);
+        }
         memory_.owner = this;
         memory_.allocator = results_.allocator();
     }

@@ -17,6 +17,9 @@ struct SessionFaults {
     uint64_t refuseHostRequest = 0;    // n-th request to the module's allocator
     uint64_t refuseResultRequest = 0;  // n-th request to the host's result memory
     uint64_t failIoCall = 0;           // n-th call of any I/O object: input, outputs, scratch
+    // Refuse every request above this many bytes, of either memory, as a
+    // host with a strict allocator would; 0 refuses none.
+    size_t refuseAbove = 0;
 };
 
 struct SessionReport {

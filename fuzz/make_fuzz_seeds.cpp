@@ -1,0 +1,70 @@
+// Writes the seed corpora of the fuzz targets, one folder per target, from
+// our own writers: make_fuzz_seeds DIR.
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "tests/support/cfb_writer.h"
+#include "tests/support/lzfu_compressor.h"
+#include "tests/support/ole_descriptors.h"
+#include "tests/support/rich_streams.h"
+
+namespace {
+
+using tneftest::Bytes;
+namespace fs = std::filesystem;
+
+void writeSeeds(const fs::path& folder, const std::vector<Bytes>& seeds) {
+    fs::create_directories(folder);
+    for (size_t i = 0; i < seeds.size(); ++i) {
+        std::ofstream out(folder / ("seed-" + std::to_string(i)), std::ios::binary);
+        out.write(reinterpret_cast<const char*>(seeds[i].data()), static_cast<std::streamsize>(seeds[i].size()));
+    }
+}
+
+std::vector<Bytes> moduleSeeds() {
+    using namespace tneftest;
+    std::vector<Bytes> seeds;
+    for (const RichStream& stream : richStreams()) seeds.push_back(stream.bytes);
+    seeds.push_back(buildMessage({.body = "short", .props = {Prop::string8(kTagSubject8, "s")}}));
+    return seeds;
+}
+
+std::vector<Bytes> rtfSeeds() {
+    using namespace tneftest;
+    return {compressRtf(sampleRtfText(1, 200)), compressRtf(sampleRtfText(2, 5000)),
+            storeRtfUncompressed(sampleRtfText(3, 100)), compressRtf({}), bytesOf("{\\rtf1 short}")};
+}
+
+std::vector<Bytes> descriptorSeeds() {
+    using namespace tneftest;
+    return {compObjStream("Package"), compObjStream("Acrobat Document", false),
+            ole10NativePackage(OlePackage{}).bytes, ole10NativeBitmap(64), attachDescStream("desc.doc"),
+            oleLinkStream(OleLink{}).bytes};
+}
+
+std::vector<Bytes> compoundFileSeeds() {
+    using namespace tneftest;
+    return {buildCfb({{"\x01" "CompObj", compObjStream("Package")},
+                      {"\x01" "Ole10Native", ole10NativePackage(OlePackage{}).bytes}}),
+            buildCfb({{"Contents", patternBytes(5000)}, {"Workbook", patternBytes(300, 2)}}, CfbOptions(4)),
+            buildCfb({{"Package", patternBytes(9000)}, {"CONTENTS", patternBytes(70, 1)}}, CfbOptions(3, 0, true)),
+            buildCfb({CfbEntryLayout::emptyStorage("Objects"), {"\x01" "Ole", oleLinkStream(OleLink{}).bytes}})};
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 2) {
+        std::cerr << "usage: make_fuzz_seeds DIR\n";
+        return 2;
+    }
+    fs::path root = argv[1];
+    writeSeeds(root / "module", moduleSeeds());
+    writeSeeds(root / "rtf_decoder", rtfSeeds());
+    writeSeeds(root / "ole_descriptors", descriptorSeeds());
+    writeSeeds(root / "compound_file", compoundFileSeeds());
+    return 0;
+}
