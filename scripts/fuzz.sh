@@ -27,9 +27,11 @@ for target in module rtf_decoder ole_descriptors compound_file; do
   corpus="$build/corpus/$target"
   log="$build/fuzz_$target.log"
   mkdir -p "$corpus"
+  dict=()
+  [ -f "fuzz/$target.dict" ] && dict=(-dict="fuzz/$target.dict")
   echo "== fuzz_$target for ${seconds}s"
   if "$build/fuzz/fuzz_$target" -max_total_time="$seconds" -timeout=25 -rss_limit_mb=2048 \
-      -print_final_stats=1 -artifact_prefix="$build/findings/$target-" \
+      -print_final_stats=1 "${dict[@]}" -artifact_prefix="$build/findings/$target-" \
       "$corpus" "$build/seeds/$target" >"$log" 2>&1; then
     grep -E '^(Done|stat::number_of_executed_units|stat::peak_rss_mb)' "$log" || true
     echo "   corpus: $(ls "$corpus" | wc -l) inputs"

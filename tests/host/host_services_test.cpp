@@ -104,5 +104,28 @@ TEST(HostServices, ScratchAndWrapper) {
     EXPECT_EQ(c->hostWrapOutputIo(c, nullptr), nullptr);
 }
 
+// Objects the host makes and objects a test joins share one count of calls:
+// the call it names fails, whichever object takes it, and only that one.
+TEST(HostServices, SharedIoFaultsSpanObjects) {
+    tnefhost::SharedIoFaults faults{.calls = 0, .failAt = 4};
+    tnefhost::HostOptions options;
+    options.madeIoFaults = &faults;
+    PosixHost host(options);
+    HostContext* c = host.context();
+    MemoryIo output;
+    output.joinFaults(&faults);
+    IoObject* scratch = c->hostCreateTempIo(c, nullptr, "w+b");
+    IoObject* wrapper = c->hostWrapOutputIo(c, output.io());
+    EXPECT_EQ(scratch->open(scratch), 1);                  // 1
+    EXPECT_EQ(output.io()->open(output.io()), 1);          // 2
+    // 3 for the wrapper, 4 for the output below it, which fails through.
+    EXPECT_EQ(wrapper->write(wrapper, "ab", 2), 0);
+    EXPECT_EQ(output.text(), "");
+    EXPECT_EQ(scratch->write(scratch, "cd", 2), 1);        // 5
+    EXPECT_EQ(faults.calls, 5u);
+    scratch->destroy(scratch);
+    wrapper->destroy(wrapper);
+}
+
 }  // namespace
 }  // namespace tneftest
