@@ -4,7 +4,10 @@
 // may give and leave nothing allocated.
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "tests/support/cfb_writer.h"
+#include "tests/support/reader_fixture.h"
 #include "tests/support/rich_streams.h"
 #include "tests/support/session.h"
 
@@ -37,6 +40,20 @@ TEST(ModuleSweep, FaultFreeSessionsAreClean) {
     SessionReport wide = runSession(wideRtfMessage());
     ASSERT_EQ(wide.plainOutputs.size(), 3u);
     EXPECT_EQ(wide.plainOutputs[2], patternBytes(5000));
+}
+
+// Real-world streams through the same whole sessions.
+TEST(ModuleSweep, CorpusSessionsAreClean) {
+    std::string dir = corpusDir();
+    if (dir.empty()) GTEST_SKIP() << "no sample folder (set TNEF_CORPUS or provide ../shared/corpus)";
+    int sessions = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(dir)) {
+        if (entry.path().extension() != ".tnef") continue;
+        SessionReport report = runSession(readFile(entry.path().string()));
+        EXPECT_TRUE(report.problems.empty()) << entry.path() << "\n" << describe(report);
+        ++sessions;
+    }
+    EXPECT_GT(sessions, 0);
 }
 
 TEST(ModuleSweep, EveryFaultInTurn) {
