@@ -64,16 +64,18 @@ std::unique_ptr<PendingFile> PendingFile::create(const std::filesystem::path& fo
 PendingFile::PendingFile(std::filesystem::path temporary, int fd, int keptFd)
     : temporary_(std::move(temporary)),
       output_(tnefhost::FileIo::adopt(fd, tnefhost::FileIo::Mode::kWrite)),
+      writer_(std::make_unique<WriteBehindIo>(*output_)),
       keptFd_(keptFd) {}
 
 PendingFile::~PendingFile() {
+    writer_.reset();
     output_.reset();
     if (keptFd_ >= 0) ::close(keptFd_);
     if (!committed_) ::unlink(temporary_.c_str());
 }
 
 void PendingFile::finish() {
-    if (output_->isOpen()) io()->close(io());
+    if (writer_->isOpen()) io()->close(io());
 }
 
 int64_t PendingFile::bytes() const {
@@ -90,6 +92,10 @@ std::string PendingFile::head(size_t count) const {
 
 bool PendingFile::commit(const std::filesystem::path& target, bool overwrite, std::string* error) {
     finish();
+    if (writer_->failed()) {
+        *error = "cannot write " + target.string() + ": a write to the file failed";
+        return false;
+    }
     bool renamed = overwrite ? ::rename(temporary_.c_str(), target.c_str()) == 0
                              : renameNoReplace(temporary_.string(), target.string());
     if (!renamed) {

@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 
+#include "cli/buffered_io.h"
 #include "host/io_objects.h"
 
 namespace tnefcli {
@@ -22,8 +23,8 @@ public:
     PendingFile(const PendingFile&) = delete;
     PendingFile& operator=(const PendingFile&) = delete;
 
-    // The output handed to the module.
-    IoObject* io() { return output_->io(); }
+    // The output handed to the module: the file, written in large blocks.
+    IoObject* io() { return writer_->io(); }
     // Closes the output if the module left it open.
     void finish();
     int64_t bytes() const;
@@ -31,7 +32,8 @@ public:
     std::string head(size_t count) const;
 
     // Gives the file its name. Without `overwrite` an existing file of that
-    // name is left alone and the call fails.
+    // name is left alone and the call fails; a file that could not be written
+    // whole is never given its name.
     bool commit(const std::filesystem::path& target, bool overwrite, std::string* error);
 
 private:
@@ -39,6 +41,7 @@ private:
 
     std::filesystem::path temporary_;
     std::unique_ptr<tnefhost::FileIo> output_;
+    std::unique_ptr<WriteBehindIo> writer_;
     int keptFd_;  // a second descriptor that outlives the module's close
     bool committed_ = false;
 };

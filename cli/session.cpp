@@ -6,6 +6,8 @@
 #include <cerrno>
 #include <cstring>
 
+#include "cli/buffered_io.h"
+
 namespace tnefcli {
 
 namespace {
@@ -87,8 +89,9 @@ Session::~Session() {
 
 Session::Opened Session::open(const std::string& file, bool rootEntry, std::string* error) {
     rootEntry_ = rootEntry;
-    input_ = file == "-" ? spoolStandardInput(error) : openFile(file, error);
-    if (input_ == nullptr) return Opened::kUnreadable;
+    file_ = file == "-" ? spoolStandardInput(error) : openFile(file, error);
+    if (file_ == nullptr) return Opened::kUnreadable;
+    input_ = std::make_unique<ReadAheadIo>(*file_);
     openStatus_ = -1;
     container_ = module_.table.tnefOpenContainer(input_->io(), host(),
                                                  rootEntry ? kTnefOpenRootEntry : 0u, 0, 0,

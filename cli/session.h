@@ -87,7 +87,8 @@ private:
     tnefhost::PosixHost& host_;
     tnefhost::HostMemory resultHeap_;
     ResultMemory resultMemory_{};
-    std::unique_ptr<tnefhost::HostIo> input_;
+    std::unique_ptr<tnefhost::HostIo> file_;  // the file or the spooled standard input
+    std::unique_ptr<tnefhost::HostIo> input_;  // what the module reads: file_, read ahead
     TnefContainer* container_ = nullptr;
     int32_t openStatus_ = 0;
     int32_t subfileCount_ = 0;

@@ -36,12 +36,15 @@ int32_t rawCount(uint32_t rawSize) {
     return tnefSaturate(static_cast<int64_t>(rawSize));
 }
 
-// Longest reference, and the most that one group of eight items reads and
-// writes.
+// Longest reference, the block a run of literals is copied in, and what one
+// whole group may read and write: its control byte and eight items of up to
+// two bytes, or eight full references, each then followed by one literal
+// block, which is read and written from wherever the items left off.
 enum : int32_t {
     kRtfMaxReference = 17,
-    kRtfGroupInput = 1 + 8 * 2,
-    kRtfGroupOutput = 8 * kRtfMaxReference,
+    kRtfLiteralBlock = 8,
+    kRtfGroupInput = 1 + 8 * 2 + kRtfLiteralBlock,
+    kRtfGroupOutput = 8 * kRtfMaxReference + kRtfLiteralBlock,
 };
 
 // Where a reference's 12-bit position lies in the buffer: inside the
@@ -50,7 +53,9 @@ enum : int32_t {
 // buffer: then the reference yields nothing.
 inline int32_t referenceSource(int32_t out, int32_t position) {
     int32_t from = (out & ~(kRtfDictionarySize - 1)) + position;
-    return from >= out ? from - kRtfDictionarySize : from;
+    // Without a branch: which block it falls in follows the text, which no
+    // branch predictor can follow.
+    return from - kRtfDictionarySize * static_cast<int32_t>(from >= out);
 }
 
 inline int32_t referencePosition(uint32_t high, uint32_t low) {
@@ -69,22 +74,30 @@ inline void copyForward(uint8_t* buffer, int32_t from, int32_t out, int32_t leng
     for (int32_t i = 0; i < length; ++i) target[i] = source[i];
 }
 
-// Whole groups while at least a full group's input remains and a full
-// group's output fits: no item needs a bound check. A reference whose source
-// lies 17 or more bytes back is copied as a fixed 17-byte block; the bytes
-// past its length land inside the buffer and are overwritten later or
-// cleared at the end. Returns with `in` and `out` on a group boundary.
+// Whole groups while a full group's input remains and a full group's output
+// fits: no item needs a bound check. The literals between two references are
+// taken as one run, copied as a fixed 8-byte block: the bits of a control
+// byte follow the text, so a branch per item would be mispredicted all
+// along a text with few repeats. A reference whose source lies 17 or more
+// bytes back is copied as a fixed 17-byte block. The bytes past a run's or a
+// reference's length land inside the buffer, ahead of the write position,
+// and are overwritten later or cleared at the end. Returns with `in` and
+// `out` on a group boundary.
 void inflateWholeGroups(const uint8_t* data, int32_t* inPosition, int32_t size, uint8_t* buffer,
                         int32_t* outPosition, int32_t total) {
     int32_t in = *inPosition;
     int32_t out = *outPosition;
     while (size - in >= kRtfGroupInput && total - out >= kRtfGroupOutput) {
-        uint32_t control = data[in++];
-        for (int bit = 0; bit < 8; ++bit, control >>= 1) {
-            if ((control & 1) == 0) {
-                buffer[out++] = data[in++];
-                continue;
-            }
+        // A marker bit above the eight items ends the group.
+        uint32_t control = data[in++] | 0x100u;
+        for (;;) {
+            const int run = __builtin_ctz(control);  // literals before the next reference
+            memcpy(buffer + out, data + in, kRtfLiteralBlock);
+            out += run;
+            in += run;
+            control >>= run;
+            if (control == 1) break;  // only the marker is left
+            control >>= 1;
             const uint32_t high = data[in];
             const uint32_t low = data[in + 1];
             in += 2;
