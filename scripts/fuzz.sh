@@ -13,7 +13,7 @@ seconds=${1:-60}
 build=build-fuzz
 jobs=$(nproc 2>/dev/null || echo 2)
 CC=clang CXX=clang++ cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo \
-  -DTNEF_BUILD_FUZZ=ON -DTNEF_BUILD_TESTS=OFF -DTNEF_BUILD_CLI=OFF >/dev/null
+  -DTNEF_BUILD_FUZZ=ON -DTNEF_BUILD_TESTS=OFF -DTNEF_BUILD_CLI=OFF -DTNEF_BUILD_BENCH=OFF >/dev/null
 cmake --build "$build" -j "$jobs"
 
 rm -rf "$build/seeds"

@@ -9,7 +9,7 @@ build=build
 flags=(-DCMAKE_BUILD_TYPE=RelWithDebInfo)
 if [ "${1:-}" = "--sanitize" ]; then
   build=build-asan
-  flags=(-DCMAKE_BUILD_TYPE=Debug -DTNEF_SANITIZE=ON)
+  flags=(-DCMAKE_BUILD_TYPE=Debug -DTNEF_SANITIZE=ON -DTNEF_BUILD_BENCH=OFF)
   export ASAN_OPTIONS="detect_leaks=1:abort_on_error=1:${ASAN_OPTIONS:-}"
   export UBSAN_OPTIONS="print_stacktrace=1:halt_on_error=1:${UBSAN_OPTIONS:-}"
 fi
