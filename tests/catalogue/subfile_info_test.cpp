@@ -1,5 +1,5 @@
 // Listing: the tree with and without the root entry, each field, and the
-// statuses of bad requests and refused memory.
+// statuses of bad requests (refused memory is swept in tests/sweeps).
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -145,27 +145,6 @@ TEST(SubfileInfo, FirstObjectThatIsAnAttachment) {
     EXPECT_EQ(first.type, 1);
     EXPECT_EQ(first.children, std::vector<int32_t>{1});
     EXPECT_EQ(first.name, "first.txt");
-}
-
-TEST(SubfileInfo, AllocationSweepOverEverySubfile) {
-    for (uint32_t flags : {0u, 0x40000u}) {
-        for (int32_t index = 0; index < 5 + (flags != 0 ? 1 : 0); ++index) {
-            for (uint64_t n = 1;; ++n) {
-                OpenedStream s(listedStream(), flags);
-                s.results.refuseRequest(n);
-                s.host.memory().refuseRequest(n);
-                uint64_t before = s.results.requests() + s.host.memory().requests();
-                Listed got = list(s, index);
-                EXPECT_TRUE(got.status == 0 || got.status == 2 || got.status == 6)
-                    << index << "/" << n << ": " << got.status;
-                EXPECT_EQ(s.results.liveBlocks(), 0u);
-                bool refusedNothing =
-                    s.results.requests() + s.host.memory().requests() - before < n;
-                EXPECT_EQ(s.close(), "");
-                if (refusedNothing) break;
-            }
-        }
-    }
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
-// The export, open, close and container info, and the sweeps over open:
-// every truncation, every refused allocation, every failed I/O call.
+// The export, open, close and container info, and open over every
+// truncation. Refused allocations and failed I/O calls through open and
+// everything after it are swept in tests/sweeps.
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -138,37 +139,6 @@ TEST(Container, OpenSweepOverEveryTruncation) {
             EXPECT_LE(s.container->objectCount, 3) << cut;
         }
         EXPECT_EQ(s.close(), "") << cut;
-    }
-}
-
-TEST(Container, OpenSweepOverEveryRefusedAllocation) {
-    Bytes stream = richStream();
-    OpenedStream whole(stream);
-    int32_t fullCount = whole.container->objectCount;
-    for (uint64_t n = 1;; ++n) {
-        OpenedStream s(stream, 0, OpenedStream::Deferred{});
-        s.host.memory().refuseRequest(n);
-        s.open();
-        EXPECT_TRUE(s.status == 0 || s.status == 2) << n;
-        if (s.container != nullptr) {
-            EXPECT_LE(s.container->objectCount, fullCount) << n;
-        }
-        bool refusedNothing = s.host.memory().requests() < n;
-        EXPECT_EQ(s.close(), "") << n;
-        if (refusedNothing) break;
-    }
-}
-
-TEST(Container, OpenSweepOverEveryFailedIoCall) {
-    Bytes stream = richStream();
-    for (uint64_t n = 1;; ++n) {
-        OpenedStream s(stream, 0, OpenedStream::Deferred{});
-        s.input.failCall(n);
-        s.open();
-        EXPECT_TRUE(s.status == 0 || s.status == 4) << n << ": " << s.status;
-        bool failedNothing = s.input.calls() < n;
-        EXPECT_EQ(s.close(), "") << n;
-        if (failedNothing) break;
     }
 }
 
