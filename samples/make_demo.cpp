@@ -24,9 +24,7 @@ Bytes olePackage() {
     package.payload = bytesOf("Hello from inside an OLE package.\n");
     Bytes storage = buildCfb({{"\x01" "CompObj", compObjStream("Package")},
                               {"\x01" "Ole10Native", ole10NativePackage(package).bytes}});
-    Bytes value(16, 0x0C);  // interface identifier in front of the object
-    value.insert(value.end(), storage.begin(), storage.end());
-    return value;
+    return oleObjectValue(storage, 0x0C);
 }
 
 }  // namespace

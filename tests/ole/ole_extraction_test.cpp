@@ -17,11 +17,9 @@ constexpr const char* kLogPrefix = "oleExtractSubFileFromOleStream(): ";
 
 // A message whose one attachment is an OLE object holding `object`.
 Bytes oleMessage(const Bytes& object) {
-    Bytes value(16, 0x11);  // the interface identifier in front of the object
-    value.insert(value.end(), object.begin(), object.end());
     return buildMessage({.props = {Prop::string8(kTagSubject8, "ole")},
                          .attachments = {{.props = {Prop::int32(kTagAttachMethod, 6),
-                                                    Prop::raw(kTagAttachDataObject, {value})}}}});
+                                                    Prop::raw(kTagAttachDataObject, {oleObjectValue(object)})}}}});
 }
 
 Bytes range(const Bytes& bytes, size_t from, size_t count) {

@@ -1,5 +1,7 @@
 #include "tests/support/ole_descriptors.h"
 
+#include <algorithm>
+
 namespace tneftest {
 
 namespace {
@@ -81,6 +83,12 @@ OleLinkBytes oleLinkStream(const OleLink& link) {
     result.markerEnd = here(out) - 1;
     out.insert(out.end(), link.trailer.begin(), link.trailer.end());
     return result;
+}
+
+Bytes oleObjectValue(const Bytes& storage, uint8_t idByte) {
+    Bytes value(16 + storage.size(), idByte);
+    std::copy(storage.begin(), storage.end(), value.begin() + 16);
+    return value;
 }
 
 }  // namespace tneftest

@@ -53,4 +53,8 @@ struct OleLinkBytes {
 
 OleLinkBytes oleLinkStream(const OleLink& link);
 
+// The value of an attachment's object property: a 16-byte interface
+// identifier of `idByte`s, then the storage.
+Bytes oleObjectValue(const Bytes& storage, uint8_t idByte = 0x11);
+
 }  // namespace tneftest

@@ -70,9 +70,7 @@ Bytes oleMessage() {
                                      {"\x01" "Ole10Native", ole10NativePackage(package).bytes}});
     Bytes linkStorage = buildCfb({{"\x01" "Ole", oleLinkStream(OleLink{}).bytes}});
     auto object = [](const Bytes& storage) {
-        Bytes value(16, 0x11);
-        value.insert(value.end(), storage.begin(), storage.end());
-        return Prop::raw(kTagAttachDataObject, {value});
+        return Prop::raw(kTagAttachDataObject, {oleObjectValue(storage)});
     };
     return buildMessage({.body = "See the objects",
                          .props = {Prop::string8(kTagSubject8, "Objects")},
