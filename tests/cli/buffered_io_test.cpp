@@ -34,14 +34,22 @@ Bytes readSome(IoObject* io, uint32_t count) {
     return out;
 }
 
+// A read-ahead object, opened, over `content` in memory.
+struct Ahead {
+    explicit Ahead(Bytes content) : inner(std::move(content)), ahead(inner, kBuffer), a(ahead.io()) {
+        EXPECT_EQ(a->open(a), 1);
+    }
+    MemoryIo inner;
+    ReadAheadIo ahead;
+    IoObject* a;
+};
+
 TEST(ReadAheadIo, ReadsWhatTheInnerObjectHoldsInAnyPatternOfSeeksAndReads) {
     Bytes content = randomBytes(300 * 1024 + 123, 1);
-    MemoryIo inner(content);
+    Ahead f(content);
+    IoObject* a = f.a;
     MemoryIo reference(content);
-    ReadAheadIo ahead(inner, kBuffer);
-    IoObject* a = ahead.io();
     IoObject* r = reference.io();
-    ASSERT_EQ(a->open(a), 1);
     ASSERT_EQ(r->open(r), 1);
     EXPECT_EQ(a->size, static_cast<int64_t>(content.size()));
 
@@ -70,10 +78,8 @@ TEST(ReadAheadIo, ReadsWhatTheInnerObjectHoldsInAnyPatternOfSeeksAndReads) {
 
 TEST(ReadAheadIo, ALongCopyReachesTheInnerObjectInFewLargeReads) {
     Bytes content = randomBytes(1024 * 1024, 3);
-    MemoryIo inner(content);
-    ReadAheadIo ahead(inner, kBuffer);
-    IoObject* a = ahead.io();
-    ASSERT_EQ(a->open(a), 1);
+    Ahead f(content);
+    IoObject* a = f.a;
     Bytes copied;
     for (Bytes block; !(block = readSome(a, 4096)).empty();) {
         copied.insert(copied.end(), block.begin(), block.end());
@@ -81,54 +87,46 @@ TEST(ReadAheadIo, ALongCopyReachesTheInnerObjectInFewLargeReads) {
     EXPECT_EQ(copied, content);
     // Refills of 4, 8, 16 and 32 KiB, then 16 of 64 KiB, and the read that
     // finds the end.
-    EXPECT_LE(inner.calls(IoOp::kRead), 4u + 16u + 1u);
+    EXPECT_LE(f.inner.calls(IoOp::kRead), 4u + 16u + 1u);
 }
 
 TEST(ReadAheadIo, AReadAfterAJumpAsksForLittle) {
-    MemoryIo inner(randomBytes(1024 * 1024, 4));
-    ReadAheadIo ahead(inner, kBuffer);
-    IoObject* a = ahead.io();
-    ASSERT_EQ(a->open(a), 1);
+    Ahead f(randomBytes(1024 * 1024, 4));
+    IoObject* a = f.a;
     ASSERT_EQ(a->seek(a, 500000, kSeekSet), 1);
     EXPECT_EQ(readSome(a, 9).size(), 9u);
-    EXPECT_EQ(inner.io()->tell(inner.io()), 500000 + 4096);
+    EXPECT_EQ(f.inner.io()->tell(f.inner.io()), 500000 + 4096);
 }
 
 TEST(ReadAheadIo, MovingWithinWhatItHoldsCostsNoCall) {
     Bytes content = randomBytes(100000, 5);
-    MemoryIo inner(content);
-    ReadAheadIo ahead(inner, kBuffer);
-    IoObject* a = ahead.io();
-    ASSERT_EQ(a->open(a), 1);
+    Ahead f(content);
+    IoObject* a = f.a;
     ASSERT_EQ(readSome(a, 100).size(), 100u);
-    uint64_t calls = inner.calls();
+    uint64_t calls = f.inner.calls();
     ASSERT_EQ(a->seek(a, 10, kSeekSet), 1);
     EXPECT_EQ(readSome(a, 50), Bytes(content.begin() + 10, content.begin() + 60));
     EXPECT_EQ(a->tell(a), 60);
-    EXPECT_EQ(inner.calls(), calls);
+    EXPECT_EQ(f.inner.calls(), calls);
 }
 
 TEST(ReadAheadIo, AFailedSeekOrReadOfTheInnerObjectIsRetriedByTheNextRead) {
     Bytes content = randomBytes(50000, 6);
-    MemoryIo inner(content);
-    ReadAheadIo ahead(inner, kBuffer);
-    IoObject* a = ahead.io();
-    ASSERT_EQ(a->open(a), 1);
+    Ahead f(content);
+    IoObject* a = f.a;
     ASSERT_EQ(a->seek(a, 20000, kSeekSet), 1);
-    inner.failOperation(IoOp::kSeek, 1);
+    f.inner.failOperation(IoOp::kSeek, 1);
     EXPECT_TRUE(readSome(a, 10).empty());
     EXPECT_EQ(readSome(a, 10), Bytes(content.begin() + 20000, content.begin() + 20010));
     ASSERT_EQ(a->seek(a, 40000, kSeekSet), 1);
-    inner.failOperation(IoOp::kRead, 1);
+    f.inner.failOperation(IoOp::kRead, 1);
     EXPECT_TRUE(readSome(a, 10).empty());
     EXPECT_EQ(readSome(a, 10), Bytes(content.begin() + 40000, content.begin() + 40010));
 }
 
 TEST(ReadAheadIo, ANegativePositionIsRefused) {
-    MemoryIo inner(randomBytes(100, 7));
-    ReadAheadIo ahead(inner, kBuffer);
-    IoObject* a = ahead.io();
-    ASSERT_EQ(a->open(a), 1);
+    Ahead f(randomBytes(100, 7));
+    IoObject* a = f.a;
     EXPECT_EQ(a->seek(a, -1, kSeekSet), 0);
     EXPECT_EQ(a->seek(a, -101, kSeekEnd), 0);
     EXPECT_EQ(a->seek(a, -100, kSeekEnd), 1);

@@ -19,7 +19,6 @@ std::string head(const std::string& charset) {
 const std::string kPlainHead = head("");
 const std::string kClose = "</font></p>\r\n</body>\r\n</html>\r\n";
 
-using Adjust = std::function<void(OpenedStream&)>;
 Adjust charsets(CharsetId declared, CharsetId charset) {
     return [=](OpenedStream& s) {
         objectAt(s.container, 0)->declaredCharset = declared;
@@ -49,8 +48,7 @@ TEST(HtmlSummary, WholeHeaders) {
         references += "&#" + std::to_string(units[i % 5]);
     }
     auto importance = [](int32_t value) { return withProps({Prop::int32(kTagImportance, value)}); };
-    struct Case { const char* name; MessageLayout plan; Adjust adjust; std::string expected; };
-    const std::vector<Case> cases = {
+    const std::vector<HeaderCase> cases = {
         {"8-bit through the host, names of every form", full,
          [](OpenedStream& s) {
              setSlot(s, 2, kElementText8, "Bob <b@x>", "To");
@@ -98,14 +96,7 @@ TEST(HtmlSummary, WholeHeaders) {
         {"a long value", bare, [&](OpenedStream& s) { setSlot(s, 5, kElementText16, longText, "Subject"); },
          kPlainHead + "<b>Subject: </b>" + references + "<br>\r\n" + kClose},
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        OpenedStream s(buildMessage(c.plan));
-        ASSERT_EQ(s.status, 0);
-        if (c.adjust) c.adjust(s);
-        EXPECT_EQ(writeHeader(s, tnefWriteHtmlSummaryField), c.expected);
-        EXPECT_EQ(s.close(), "");
-    }
+    checkHeaders(cases, tnefWriteHtmlSummaryField);
 }
 
 }  // namespace

@@ -18,7 +18,6 @@ std::string head(int codePage, int fontCharset) {
 const std::string kHead1252 = head(1252, 0);
 const std::string kEnd = "\\par \\par ";
 
-using Adjust = std::function<void(OpenedStream&)>;
 Adjust charset(CharsetId id, bool shiftJisDefault = false) {
     return [=](OpenedStream& s) {
         objectAt(s.container, 0)->charset = id;
@@ -54,8 +53,7 @@ TEST(RtfSummary, WholeHeaders) {
         longText += wide(pieces[i % 3]);
         longLine += (i == 2 ? "\\uc2" : "") + encoded[i % 3];
     }
-    struct Case { const char* name; MessageLayout plan; Adjust adjust; std::string expected; };
-    const std::vector<Case> cases = {
+    const std::vector<HeaderCase> cases = {
         {"8-bit sender, names of every form", typical, nullptr,
          kHead1252 + "\\b From: \\b0 \"Al\" <a@x>\\par \\b Sent: \\b0 Mon Jan 02 03:04:05 2006\\par "
                      "\\b Importance: \\b0 High\\par"
@@ -93,14 +91,7 @@ TEST(RtfSummary, WholeHeaders) {
         {"charset 25", bare, charset(25), kHead1252 + kEnd},
         {"charset 53", bare, charset(53), kHead1252 + kEnd},
     };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        OpenedStream s(buildMessage(c.plan));
-        ASSERT_EQ(s.status, 0);
-        if (c.adjust) c.adjust(s);
-        EXPECT_EQ(writeHeader(s, tnefWriteRtfSummaryField), c.expected);
-        EXPECT_EQ(s.close(), "");
-    }
+    checkHeaders(cases, tnefWriteRtfSummaryField);
 }
 
 }  // namespace

@@ -6,7 +6,9 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <functional>
 #include <string>
+#include <vector>
 
 #include "reader/strings.h"
 #include "stream/property_access.h"
@@ -53,6 +55,27 @@ inline MessageLayout withProps(std::vector<Prop> props, std::vector<AttachmentLa
 inline std::string wide(const std::string& text) {
     Bytes bytes = utf16(text);
     return std::string(bytes.begin(), bytes.end());
+}
+
+// One header case: a message, a change made to it after open, and the
+// eight lines the writer must give.
+using Adjust = std::function<void(OpenedStream&)>;
+struct HeaderCase {
+    const char* name;
+    MessageLayout plan;
+    Adjust adjust;
+    std::string expected;
+};
+
+inline void checkHeaders(const std::vector<HeaderCase>& cases, FieldWriter write) {
+    for (const HeaderCase& c : cases) {
+        SCOPED_TRACE(c.name);
+        OpenedStream s(buildMessage(c.plan));
+        ASSERT_EQ(s.status, 0);
+        if (c.adjust) c.adjust(s);
+        EXPECT_EQ(writeHeader(s, write), c.expected);
+        EXPECT_EQ(s.close(), "");
+    }
 }
 
 }  // namespace tneftest::summaryheader
