@@ -14,10 +14,12 @@
 #include "cli/json_output.h"
 #include "cli/open_input.h"
 #include "cli/progress_bar.h"
+#include "cli/report_text.h"
 #include "cli/safe_names.h"
-#include "cli/text_utf8.h"
 
 namespace tnefcli {
+
+using namespace tnefclient;
 
 namespace {
 
@@ -155,7 +157,7 @@ int runBatch(const BatchOptions& options) {
         return kExitUsage;
     }
     std::string error;
-    const ReaderModule* module = loadReaderModule(&error);
+    const ReaderModule* module = ReaderModule::load(&error);
     if (module == nullptr) {
         std::fprintf(stderr, "tnef-reader: %s\n", error.c_str());
         return kExitUnreadable;

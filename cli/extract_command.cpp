@@ -6,6 +6,7 @@
 #include <string>
 #include <system_error>
 
+#include "cli/body_option.h"
 #include "cli/charset_option.h"
 #include "cli/commands.h"
 #include "cli/exit_codes.h"
@@ -13,9 +14,10 @@
 #include "cli/json_output.h"
 #include "cli/open_input.h"
 #include "cli/report_text.h"
-#include "cli/text_utf8.h"
 
 namespace tnefcli {
+
+using namespace tnefclient;
 
 namespace {
 
@@ -68,9 +70,9 @@ int runExtract(const ExtractCommandOptions& options) {
     ExtractOptions extract;
     extract.folder = options.folder;
     extract.only = options.only;
-    extract.body = bodyChoiceNames().at(options.body);
-    extract.charset = charsetFromName(options.charset);
-    extract.noHeader = options.noHeader;
+    extract.message.body = bodyChoiceNames().at(options.body);
+    extract.message.charset = charsetFromName(options.charset);
+    extract.message.noHeader = options.noHeader;
     extract.overwrite = options.overwrite;
     Listing listing = readListing(session);
     ExtractReport report = extractSubfiles(session, listing, extract);

@@ -4,10 +4,10 @@
 
 #include "cli/pending_file.h"
 #include "cli/safe_names.h"
-#include "cli/status_text.h"
-#include "cli/text_utf8.h"
 
 namespace tnefcli {
+
+using namespace tnefclient;
 
 namespace {
 
@@ -43,7 +43,7 @@ private:
 void Extractor::run(const ListedSubfile& subfile, ExtractReport& report) {
     const SubfileEntry& entry = subfile.entry;
     bool message = entry.type == kSubfileMessage;
-    if (entry.type == kSubfileRoot || (message && options_.body == BodyChoice::kNone)) return;
+    if (entry.type == kSubfileRoot || (message && options_.message.body == BodyChoice::kNone)) return;
 
     WrittenFile file;
     file.index = entry.index;
@@ -57,14 +57,12 @@ void Extractor::run(const ListedSubfile& subfile, ExtractReport& report) {
     std::string error;
     std::unique_ptr<PendingFile> pending = PendingFile::create(options_.folder, &error);
     if (pending == nullptr) return fail(error);
-    ExtractOutcome outcome =
-        session_.extract(entry.index, pending->io(), extractFlags(options_.body, options_.noHeader),
-                         options_.charset);
+    ExtractOutcome outcome = session_.extract(entry.index, pending->io(), options_.message);
     pending->finish();
     file.status = outcome.status;
     if (outcome.status != kTnefOk) return fail(statusText(outcome.status));
 
-    if ((outcome.resultFlags & kTnefResultOleLink) != 0) {
+    if (outcome.isLink()) {
         const std::optional<std::string>& target =
             outcome.linkedPath ? outcome.linkedPath : outcome.payloadName;
         report.links.push_back({entry.index, target ? utf8(*target) : std::string()});

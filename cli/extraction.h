@@ -9,18 +9,14 @@
 #include <string>
 #include <vector>
 
-#include "cli/body_form.h"
-#include "cli/listing.h"
-#include "cli/session.h"
+#include "client/tnef_client.h"
 
 namespace tnefcli {
 
 struct ExtractOptions {
     std::filesystem::path folder = ".";
     std::vector<int32_t> only;  // empty: every subfile
-    BodyChoice body = BodyChoice::kAuto;
-    CharsetId charset = 0;
-    bool noHeader = false;
+    tnefclient::ExtractSettings message;  // the message's form; BodyChoice::kNone skips it
     bool overwrite = false;
 };
 
@@ -47,7 +43,7 @@ struct ExtractReport {
 };
 
 // Extracts the subfiles of `listing` that `options` select.
-ExtractReport extractSubfiles(Session& session, const Listing& listing,
+ExtractReport extractSubfiles(tnefclient::Session& session, const tnefclient::Listing& listing,
                               const ExtractOptions& options);
 
 nlohmann::ordered_json extractReportJson(const ExtractReport& report);

@@ -7,13 +7,13 @@
 #include "cli/commands.h"
 #include "cli/exit_codes.h"
 #include "cli/json_output.h"
-#include "cli/listing.h"
+#include "cli/listing_json.h"
 #include "cli/open_input.h"
 #include "cli/report_text.h"
-#include "cli/status_text.h"
-#include "cli/text_utf8.h"
 
 namespace tnefcli {
+
+using namespace tnefclient;
 
 namespace {
 

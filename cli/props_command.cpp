@@ -11,10 +11,10 @@
 #include "cli/json_output.h"
 #include "cli/open_input.h"
 #include "cli/report_text.h"
-#include "cli/status_text.h"
-#include "cli/text_utf8.h"
 
 namespace tnefcli {
+
+using namespace tnefclient;
 
 namespace {
 

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "cli/open_input.h"
 
@@ -17,5 +18,9 @@ int reportUnusable(const std::string& file, const OpenedInput& input, bool json)
 
 // Tells on stderr that a stream is damaged and only partly read.
 void warnDamaged(const std::string& file, const OpenedInput& input);
+
+// UTF-8 made safe to print on a terminal: control characters are shown as
+// \xNN so that a name can't move the cursor or change colours.
+std::string printable(std::string_view text);
 
 }  // namespace tnefcli

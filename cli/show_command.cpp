@@ -5,16 +5,17 @@
 #include <memory>
 #include <string>
 
-#include "cli/body_form.h"
+#include "cli/body_option.h"
 #include "cli/charset_option.h"
 #include "cli/commands.h"
 #include "cli/exit_codes.h"
 #include "cli/open_input.h"
 #include "cli/report_text.h"
-#include "cli/status_text.h"
-#include "cli/stdout_io.h"
+#include "client/stdout_io.h"
 
 namespace tnefcli {
+
+using namespace tnefclient;
 
 namespace {
 
@@ -37,13 +38,16 @@ int runShow(const ShowOptions& options) {
     }
     // Text for a terminal is UTF-8 unless asked otherwise; text for a pipe
     // or a file stays in the charset the module gives it.
-    CharsetId charset = charsetFromName(options.charset);
-    if (charset == kCharsetNone && ::isatty(STDOUT_FILENO) != 0) charset = kCharsetUtf8;
+    ExtractSettings settings;
+    settings.body = bodyChoiceNames().at(options.format);
+    settings.noHeader = options.noHeader;
+    settings.charset = charsetFromName(options.charset);
+    if (settings.charset == kCharsetNone && ::isatty(STDOUT_FILENO) != 0) {
+        settings.charset = kCharsetUtf8;
+    }
     std::fflush(stdout);
     StdoutIo output;
-    ExtractOutcome outcome =
-        session.extract(message, output.io(), extractFlags(bodyChoiceNames().at(options.format), options.noHeader),
-                        charset);
+    ExtractOutcome outcome = session.extract(message, output.io(), settings);
     if (output.failed()) {
         printError(options.file, "cannot write to standard output");
         return kExitPartial;

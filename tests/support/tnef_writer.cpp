@@ -284,4 +284,15 @@ Bytes buildMessage(const MessageLayout& plan) {
     return w.bytes();
 }
 
+AttachmentLayout embeddedMessage(const std::string& title, const Bytes& inner) {
+    // IID_IMessage, {00020307-0000-0000-C000-000000000046}, as stored.
+    Bytes value = {0x07, 0x03, 0x02, 0x00, 0x00, 0x00, 0x00, 0x00,
+                   0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46};
+    value.insert(value.end(), inner.begin(), inner.end());
+    AttachmentLayout attachment;
+    attachment.title = title;
+    attachment.props = {Prop::int32(kTagAttachMethod, 5), Prop::raw(kTagAttachDataObject, {value})};
+    return attachment;
+}
+
 }  // namespace tneftest

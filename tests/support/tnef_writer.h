@@ -119,6 +119,12 @@ struct MessageLayout {
 
 Bytes buildMessage(const MessageLayout& plan);
 
+// An attachment that holds a whole message (attach method 5): its data
+// object is the 16-byte interface identifier of a message followed by
+// `inner`, a whole stream made by this writer. The module names it
+// "<title, up to 8 bytes>_zd<place>" and extracts `inner` as it is.
+AttachmentLayout embeddedMessage(const std::string& title, const Bytes& inner);
+
 // Well-known tags.
 enum : uint32_t {
     kTagSubject8 = 0x0037001E,

@@ -1,8 +1,9 @@
-#include "cli/time_format.h"
-
+// FILETIME as ISO 8601 UTC.
 #include <cstdio>
 
-namespace tnefcli {
+#include "client/tnef_client.h"
+
+namespace tnefclient {
 
 namespace {
 
@@ -52,4 +53,4 @@ std::optional<std::string> fileTimeToIso(const uint8_t bytes[8]) {
     return ticksToIso(ticks);
 }
 
-}  // namespace tnefcli
+}  // namespace tnefclient
