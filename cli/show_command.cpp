@@ -9,6 +9,7 @@
 #include "cli/charset_option.h"
 #include "cli/commands.h"
 #include "cli/exit_codes.h"
+#include "cli/mail_parts.h"
 #include "cli/open_input.h"
 #include "cli/report_text.h"
 #include "client/stdout_io.h"
@@ -21,13 +22,14 @@ namespace {
 
 struct ShowOptions {
     std::string file;
+    PartChoice part;
     std::string format = "auto";
     std::string charset;
     bool noHeader = false;
 };
 
 int runShow(const ShowOptions& options) {
-    OpenedInput input = openInput(options.file, false);
+    OpenedInput input = openInput(options.file, false, options.part);
     if (!input.usable()) return reportUnusable(options.file, input, false);
     warnDamaged(options.file, input);
     Session& session = *input.session;
@@ -64,7 +66,8 @@ int runShow(const ShowOptions& options) {
 void addShowCommand(CLI::App& app, int& exitCode) {
     auto options = std::make_shared<ShowOptions>();
     CLI::App* show = app.add_subcommand("show", "Render the message to standard output");
-    show->add_option("FILE", options->file, "The TNEF file, or - for standard input")->required();
+    show->add_option("FILE", options->file, kFileHelp)->required();
+    addPartOption(*show, options->part);
     show->add_option("--format", options->format,
                      "Form of the message: auto (the module's choice), text, html or rtf")
         ->transform(CLI::IsMember({"auto", "text", "html", "rtf"}, CLI::ignore_case))
