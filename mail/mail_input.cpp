@@ -122,6 +122,8 @@ bool MailInput::readFile(int fd, const std::string& file, InputKind kind, size_t
         mail.lastInFile = !mbox || g_mime_parser_eos(parser.get());
         mail.tnefParts = findTnefParts(message.get(), mail.info, partNumber);
         partNumber += mail.tnefParts.size();
+        mail.info.tnefParts = mail.tnefParts.size();
+        for (TnefPart& part : mail.tnefParts) part.message.tnefParts = mail.tnefParts.size();
         if (!visit(mail)) *stop = true;
         if (!mbox) break;
     }

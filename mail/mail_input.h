@@ -22,6 +22,7 @@ struct MessageInfo {
     size_t number = 0;  // in the input, from 0
     std::string file;   // the file that holds it (for a maildir, the message's own file)
     std::optional<std::string> messageId, subject, from;  // UTF-8, as the headers say
+    size_t tnefParts = 0;  // how many TNEF parts the message holds
 };
 
 struct TnefPart {

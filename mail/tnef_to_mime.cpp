@@ -60,6 +60,21 @@ std::vector<std::string> cidReferences(const std::string& html) {
     return ids;
 }
 
+// A subfile the module could name, or one it only could not name: its type
+// and place are known either way.
+bool described(const SubfileEntry& entry) {
+    return entry.status == kTnefOk || entry.status == kTnefNoName;
+}
+
+// The message whose body unwrap shows: the first message subfile, named or
+// not (a message without a subject has no name); -1 when there is none.
+int32_t bodyMessage(const Listing& listing) {
+    for (const ListedSubfile& subfile : listing.subfiles) {
+        if (described(subfile.entry) && subfile.entry.type == kSubfileMessage) return subfile.entry.index;
+    }
+    return -1;
+}
+
 std::string withoutAngleBrackets(std::string id) {
     if (id.size() >= 2 && id.front() == '<' && id.back() == '>') id = id.substr(1, id.size() - 2);
     return id;
@@ -120,7 +135,7 @@ bool TnefConverter::addSubfile(Session& session, const ListedSubfile& subfile,
                                std::vector<GRef<GMimeObject>>* inlined, std::string* problem) {
     const SubfileEntry& entry = subfile.entry;
     std::string where = "subfile " + std::to_string(entry.index);
-    if (entry.status != kTnefOk) {
+    if (!described(entry)) {
         *problem = where + " can't be described: " + statusText(entry.status);
         return false;
     }
@@ -182,12 +197,8 @@ GRef<GMimeObject> TnefConverter::embeddedMessage(Session& parent, int32_t index,
 
 bool TnefConverter::convert(Session& session, ConvertedTnef* out, std::string* problem) {
     Listing listing = readListing(session);
-    if (!listing.complete) {
-        *problem = "not every subfile can be described";
-        return false;
-    }
     std::vector<std::string> cids;
-    if (!addBodies(session, session.messageIndex(), out, &cids, problem)) return false;
+    if (!addBodies(session, bodyMessage(listing), out, &cids, problem)) return false;
     std::vector<GRef<GMimeObject>> inlined;
     for (const ListedSubfile& subfile : listing.subfiles) {
         if (!addSubfile(session, subfile, cids, out, &inlined, problem)) return false;

@@ -47,6 +47,7 @@ public:
             std::string problem;
             if (unwrapPart(tnef, outcome, &problem)) {
                 ++outcome.replaced;
+                g_mime_object_remove_header(GMIME_OBJECT(mail.message), "X-MS-TNEF-Correlator");
             } else {
                 outcome.problems.push_back(partPlace(tnef) + ": left as it was: " + problem);
             }
