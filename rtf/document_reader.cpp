@@ -103,7 +103,7 @@ void DocumentReader::deliverBytes(std::string_view bytes) {
 
 // A sequence left waiting by a token that can't continue it.
 void DocumentReader::flushDecoder() {
-    if (receivesText(stack_.back())) deliver(decoder_.flush());
+    if (decoder_.waiting() && receivesText(stack_.back())) deliver(decoder_.flush());
 }
 
 void DocumentReader::breakHere(Break kind) {

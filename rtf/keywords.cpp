@@ -79,18 +79,22 @@ constexpr Entry kEntries[] = {
 
 // Open addressing over a power of two well above the entry count, so that
 // probes stay short.
-constexpr size_t kSlotCount = 512;
+constexpr size_t kSlotCount = 512;  // hashName gives 9 bits
 
-constexpr uint32_t hashName(std::string_view name) {
-    uint32_t hash = 2166136261u;
-    for (char c : name) hash = (hash ^ static_cast<uint8_t>(c)) * 16777619u;
-    return hash;
+// The length and three letters are enough to tell the names apart, and
+// cheap to mix.
+constexpr size_t hashName(std::string_view name) {
+    uint32_t hash = static_cast<uint32_t>(name.size());
+    hash = hash * 31 + static_cast<uint8_t>(name.front());
+    hash = hash * 31 + static_cast<uint8_t>(name[name.size() / 2]);
+    hash = hash * 31 + static_cast<uint8_t>(name.back());
+    return (hash * 2654435761u) >> 23;
 }
 
 constexpr std::array<const Entry*, kSlotCount> kSlots = [] {
     std::array<const Entry*, kSlotCount> slots{};
     for (const Entry& entry : kEntries) {
-        size_t at = hashName(entry.name) & (kSlotCount - 1);
+        size_t at = hashName(entry.name);
         while (slots[at] != nullptr) at = (at + 1) & (kSlotCount - 1);
         slots[at] = &entry;
     }
@@ -102,7 +106,8 @@ static_assert(std::size(kEntries) * 3 < kSlotCount, "keyword slots too full");
 }  // namespace
 
 KeywordInfo lookupKeyword(std::string_view name) {
-    for (size_t at = hashName(name) & (kSlotCount - 1); kSlots[at] != nullptr;
+    if (name.empty()) return {};
+    for (size_t at = hashName(name); kSlots[at] != nullptr;
          at = (at + 1) & (kSlotCount - 1)) {
         if (kSlots[at]->name == name) return {kSlots[at]->keyword, kSlots[at]->character};
     }

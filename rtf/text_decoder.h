@@ -29,6 +29,7 @@ public:
     std::string_view character(char32_t code);
     // A waiting sequence that will not be completed: U+FFFD, or nothing.
     std::string_view flush();
+    bool waiting() const { return sequenceLength_ != 0 || highSurrogate_ != 0; }
 
 private:
     struct Utf8Char {

@@ -43,11 +43,47 @@ void Tokenizer::endWord(TokenHandler& handler) {
     int64_t value = negative_ ? -parameter_ : parameter_;
     word.parameter = static_cast<int32_t>(value > INT32_MAX ? INT32_MAX : value);
     state_ = State::kText;
+    emitWord(word, handler);
+}
+
+void Tokenizer::emitWord(const ControlWord& word, TokenHandler& handler) {
     handler.controlWord(word);
-    if (!overlong_ && word.name == "bin" && word.parameter > 0) {
+    if (!word.overlong && word.parameter > 0 && word.name == "bin") {
         binaryLeft_ = static_cast<uint64_t>(word.parameter);
         state_ = State::kBinary;
     }
+}
+
+// The usual control word, whole inside the chunk, read in one go: letters,
+// an optional parameter of at most nine digits, and the byte after it. Any
+// other form (cut by the end of the chunk, overlong, a hyphen without
+// digits, a long number) is left to the state machine.
+bool Tokenizer::readWholeWord(const char*& p, const char* end, TokenHandler& handler) {
+    const char* q = p;
+    while (q < end && isLetter(static_cast<uint8_t>(*q))) ++q;
+    size_t length = static_cast<size_t>(q - p);
+    if (length == 0 || length > kMaxControlWordLength || q == end) return false;
+    ControlWord word;
+    word.name = std::string_view(p, length);
+    bool negative = *q == '-';
+    const char* digits = negative ? q + 1 : q;
+    const char* digitsEnd = digits;
+    int32_t value = 0;
+    while (digitsEnd < end && digitsEnd - digits < 9 && isDigit(static_cast<uint8_t>(*digitsEnd))) {
+        value = value * 10 + (*digitsEnd++ - '0');
+    }
+    if (digitsEnd == end || isDigit(static_cast<uint8_t>(*digitsEnd))) return false;
+    if (digitsEnd > digits) {
+        word.hasParameter = true;
+        word.parameter = negative ? -value : value;
+        q = digitsEnd;
+    } else if (negative) {
+        return false;
+    }
+    if (*q == ' ') ++q;
+    p = q;
+    emitWord(word, handler);
+    return true;
 }
 
 void Tokenizer::feed(std::string_view chunk, TokenHandler& handler) {
@@ -65,7 +101,7 @@ void Tokenizer::feed(std::string_view chunk, TokenHandler& handler) {
                     handler.groupStart();
                 } else if (c == '}') {
                     handler.groupEnd();
-                } else if (c == '\\') {
+                } else if (c == '\\' && !readWholeWord(p, end, handler)) {
                     state_ = State::kEscape;
                 }
                 break;

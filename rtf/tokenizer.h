@@ -48,6 +48,8 @@ private:
     enum class State : uint8_t { kText, kEscape, kWord, kSign, kParameter, kHex1, kHex2, kBinary };
 
     void endWord(TokenHandler& handler);
+    void emitWord(const ControlWord& word, TokenHandler& handler);
+    bool readWholeWord(const char*& p, const char* end, TokenHandler& handler);
     void startParameter(uint8_t digit);
 
     State state_ = State::kText;
