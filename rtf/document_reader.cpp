@@ -52,6 +52,8 @@ void DocumentReader::decide() {
     sink_ = &chooser_.sinkFor(encapsulation_, rules_);
 }
 
+void DocumentReader::fontsChanged() { cachedFont_ = INT32_MIN; }
+
 void DocumentReader::skipGroup(GroupState& state) {
     state.destination = Destination::kSkip;
     state.unicodePairResume = Destination::kSkip;
@@ -238,7 +240,7 @@ void DocumentReader::controlWord(const ControlWord& word) {
             case Keyword::kIgnoredDestination: skipGroup(state); break;
             default: return;
         }
-        cachedFont_ = INT32_MIN;
+        fontsChanged();
         return;
     }
     wordInBody(word, keyword, state);
@@ -254,23 +256,26 @@ void DocumentReader::wordInBody(const ControlWord& word, const KeywordInfo& keyw
         case Keyword::kMac:
         case Keyword::kPc:
         case Keyword::kPca:
+            // The character set of the document, unless \ansicpg names its
+            // code page.
             if (!documentCodePageSet_) {
-                static constexpr uint32_t kCodePages[] = {1252, 10000, 437, 850};
-                fonts_.setDocumentCodePage(
-                    kCodePages[static_cast<int>(keyword.keyword) - static_cast<int>(Keyword::kAnsi)]);
-                cachedFont_ = INT32_MIN;
+                fonts_.setDocumentCodePage(keyword.keyword == Keyword::kMac   ? 10000
+                                           : keyword.keyword == Keyword::kPc  ? 437
+                                           : keyword.keyword == Keyword::kPca ? 850
+                                                                              : 1252);
+                fontsChanged();
             }
             break;
         case Keyword::kAnsiCodePage:
             if (word.parameter > 0) {
                 fonts_.setDocumentCodePage(static_cast<uint32_t>(word.parameter));
                 documentCodePageSet_ = true;
-                cachedFont_ = INT32_MIN;
+                fontsChanged();
             }
             break;
         case Keyword::kDefaultFont:
             fonts_.setDefaultFont(word.parameter);
-            cachedFont_ = INT32_MIN;
+            fontsChanged();
             break;
         case Keyword::kFromHtml:
             if (encapsulation_ == Encapsulation::kUnknown && on) declared_ = Encapsulation::kHtml;

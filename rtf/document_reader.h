@@ -96,6 +96,7 @@ private:
     void skipGroup(GroupState& state);
     bool receivesText(const GroupState& state) const;
     uint32_t codePage(const GroupState& state);
+    void fontsChanged();
     void deliver(std::string_view utf8);
     void deliverBytes(std::string_view bytes);
     void flushDecoder();

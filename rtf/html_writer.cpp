@@ -13,6 +13,7 @@ constexpr std::string_view kHead =
     "</head>\r\n<body>\r\n";
 constexpr std::string_view kTail = "</body>\r\n</html>\r\n";
 
+// Inline elements, outermost first.
 constexpr struct {
     unsigned bit;
     std::string_view open;
@@ -71,21 +72,13 @@ void HtmlWriter::breakHere(Break kind, const TextFormat& format) {
 }
 
 void HtmlWriter::linkStart(std::string_view target) {
-    closeInline();
-    if (linkOpen_) {
-        out_.append("</a>");
-        linkOpen_ = false;
-    }
+    closeLink();
     links_.emplace_back(isSafeLinkTarget(target) ? target : std::string_view());
 }
 
 void HtmlWriter::linkEnd() {
     if (links_.empty()) return;
-    closeInline();
-    if (linkOpen_) {
-        out_.append("</a>");
-        linkOpen_ = false;
-    }
+    closeLink();
     links_.pop_back();
 }
 
@@ -111,11 +104,7 @@ void HtmlWriter::openBlock(bool inTable) {
 
 void HtmlWriter::closeParagraph() {
     if (!paragraph_) return;
-    closeInline();
-    if (linkOpen_) {
-        out_.append("</a>");
-        linkOpen_ = false;
-    }
+    closeLink();
     out_.append("</p>\r\n");
     paragraph_ = false;
 }
@@ -137,11 +126,7 @@ void HtmlWriter::openCell() {
 
 void HtmlWriter::closeCell() {
     if (!cell_) return;
-    closeInline();
-    if (linkOpen_) {
-        out_.append("</a>");
-        linkOpen_ = false;
-    }
+    closeLink();
     out_.append("</td>");
     cell_ = false;
 }
@@ -173,6 +158,13 @@ void HtmlWriter::setInline(unsigned wanted) {
 }
 
 void HtmlWriter::closeInline() { setInline(0); }
+
+void HtmlWriter::closeLink() {
+    closeInline();
+    if (!linkOpen_) return;
+    out_.append("</a>");
+    linkOpen_ = false;
+}
 
 void HtmlWriter::openLink() {
     if (linkOpen_ || links_.empty() || links_.back().empty()) return;

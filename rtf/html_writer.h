@@ -24,9 +24,6 @@ public:
     void finish() override;
 
 private:
-    // Inline elements, outermost first; a bit each in `open_`.
-    enum : unsigned { kBoldTag = 1, kItalicTag = 2, kUnderlineTag = 4 };
-
     void openBlock(bool inTable);
     void closeParagraph();
     void closeTable();
@@ -34,6 +31,7 @@ private:
     void closeCell();
     void setInline(unsigned wanted);
     void closeInline();
+    void closeLink();
     void openLink();
 
     OutputBuffer& out_;
@@ -41,7 +39,7 @@ private:
     bool table_ = false;
     bool row_ = false;
     bool cell_ = false;
-    unsigned open_ = 0;
+    unsigned open_ = 0;  // the inline elements open, a bit each
     bool linkOpen_ = false;
     // The targets of the links the text is in, innermost last; an empty
     // one stands for a link that is left out.
