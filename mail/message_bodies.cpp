@@ -1,5 +1,8 @@
 #include "mail/message_bodies.h"
 
+#include "rtf/converter.h"
+#include "rtf/host_code_pages.h"
+
 namespace tnefmail {
 
 using namespace tnefclient;
@@ -65,8 +68,17 @@ bool readBodies(Session& session, int32_t message, MessageBodies* bodies, std::s
         if (page.size() == 1 && page[0].hasValue && page[0].type == kElementInteger) {
             bodies->htmlCharset = charsetOfCodePage(page[0].number);
         }
-    } else if (storedFirst == BodyForm::kRtf && !bodies->text) {
-        bodies->rtf = std::move(second);
+    } else if (storedFirst == BodyForm::kRtf) {
+        tnefrtf::HostCodePageDecoder codePages(session.host());
+        tnefrtf::StringSink html;
+        tnefrtf::convertRtf(second, tnefrtf::OutputForm::kHtml, html, &codePages);
+        bodies->html = std::move(html.text);
+        bodies->htmlCharset = "utf-8";
+        if (!bodies->text) {
+            tnefrtf::StringSink text;
+            tnefrtf::convertRtf(second, tnefrtf::OutputForm::kText, text, &codePages);
+            bodies->text = std::move(text.text);
+        }
     }
     return true;
 }

@@ -119,14 +119,6 @@ bool TnefConverter::addBodies(Session& session, int32_t message, ConvertedTnef* 
         out->rich = textPart("html", *bodies.html, bodies.htmlCharset, problem);
         if (!out->rich) return false;
     }
-    if (bodies.rtf) {
-        Slice slice;
-        if (!store_.append(*bodies.rtf, &slice)) {
-            *problem = "cannot write the message body to the scratch file";
-            return false;
-        }
-        out->attachments.push_back(attachmentPart("text/rtf", "body.rtf", store_.stream(slice)));
-    }
     return true;
 }
 

@@ -9,6 +9,7 @@
 #include <sstream>
 
 #include "tests/cli/cli_runner.h"
+#include "tests/support/lzfu_compressor.h"
 #include "tests/mail/mail_kit.h"
 
 namespace tneftest {
@@ -20,10 +21,10 @@ const std::string kBody = "The figures are attached.";
 const std::string kPdf = "%PDF-1.4 quarterly figures\n";
 const std::string kPng = "\x89PNG\r\n\x1a\n logo bytes";
 
-// A message with text and HTML bodies, an attachment with a non-ASCII
-// name, an image the HTML shows by cid:, and an embedded message with an
-// attachment of its own.
-Bytes richTnef() {
+// A message with text and HTML bodies (or only an RTF body that
+// encapsulates text), an attachment with a non-ASCII name, an image the
+// HTML shows by cid:, and an embedded message with an attachment of its own.
+Bytes richTnef(bool rtfOnly = false) {
     MessageLayout inner;
     inner.body = "Inner body";
     inner.props = {Prop::string8(kTagSubject8, "Inner")};
@@ -37,6 +38,11 @@ Bytes richTnef() {
         {"report.pdf", bytesOf(kPdf), {Prop::unicode(kTagAttachLongFilename16, "Bericht für März.pdf")}});
     plan.attachments.push_back({"logo.png", bytesOf(kPng), {Prop::string8(0x3712001E, "logo@x")}});
     plan.attachments.push_back(embeddedMessage("Inner", buildMessage(inner)));
+    if (rtfOnly) {
+        plan.body.reset();
+        plan.props = {Prop::binary(kTagRtfCompressed,
+                                   compressRtf(bytesOf("{\\rtf1\\ansi\\fromtext " + kBody + "\\par}")))};
+    }
     return buildMessage(plan);
 }
 
@@ -71,7 +77,7 @@ int pythonCheck(const TempDir& dir, const std::string& file) {
 }
 
 TEST(Unwrap, EveryShapeOfTnefMailBecomesStandardMime) {
-    Bytes tnef = richTnef();
+    Bytes tnef = richTnef(), rtfOnly = richTnef(true);
     struct Case {
         const char* what;
         std::function<GRef<GMimeObject>()> body;
@@ -90,6 +96,8 @@ TEST(Unwrap, EveryShapeOfTnefMailBecomesStandardMime) {
                                         messagePart(bytesPart("application/vnd.ms-tnef", tnef,
                                                               GMIME_CONTENT_ENCODING_BASE64, "win.dat"))});
          }},
+        {"a body stored only as RTF",
+         [&] { return bytesPart("application/ms-tnef", rtfOnly, GMIME_CONTENT_ENCODING_BASE64, "winmail.dat"); }},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
