@@ -34,6 +34,7 @@ struct TnefPart {
     GMimePart* part = nullptr;            // lives as long as the message
     GMimeObject* parent = nullptr;        // the multipart, message or message part holding it
     GMimeMessage* owner = nullptr;        // the message whose body it is part of
+    bool signedOver = false;  // inside a multipart/signed: changing it breaks the signature
 };
 
 // One message, valid inside forEachMessage's callback.

@@ -61,28 +61,26 @@ struct Walk {
     size_t nextNumber;
     std::vector<TnefPart> found;
 
-    void body(GMimeMessage* message, const std::string& path, int depth) {
+    void body(GMimeMessage* message, const std::string& path, int depth, bool signedOver) {
         GMimeObject* top = g_mime_message_get_mime_part(message);
         if (top == nullptr) return;
-        if (GMIME_IS_MULTIPART(top)) {
-            object(top, path, GMIME_OBJECT(message), message, depth);
-        } else {
-            object(top, childPath(path, 1), GMIME_OBJECT(message), message, depth);
-        }
+        std::string where = GMIME_IS_MULTIPART(top) ? path : childPath(path, 1);
+        object(top, where, GMIME_OBJECT(message), message, depth, signedOver);
     }
 
     void object(GMimeObject* node, const std::string& path, GMimeObject* parent,
-                GMimeMessage* owner, int depth) {
+                GMimeMessage* owner, int depth, bool signedOver) {
         if (depth > kMaxMimeDepth) return;
         if (GMIME_IS_MULTIPART(node)) {
             GMimeMultipart* multipart = GMIME_MULTIPART(node);
+            bool isSigned = signedOver || GMIME_IS_MULTIPART_SIGNED(node);
             for (int i = 0; i < g_mime_multipart_get_count(multipart); ++i) {
                 object(g_mime_multipart_get_part(multipart, i), childPath(path, i + 1), node, owner,
-                       depth + 1);
+                       depth + 1, isSigned);
             }
         } else if (GMIME_IS_MESSAGE_PART(node)) {
             GMimeMessage* inner = g_mime_message_part_get_message(GMIME_MESSAGE_PART(node));
-            if (inner != nullptr) body(inner, path, depth + 1);
+            if (inner != nullptr) body(inner, path, depth + 1, signedOver);
         } else if (GMIME_IS_PART(node)) {
             GMimePart* part = GMIME_PART(node);
             const char* fileName = g_mime_part_get_filename(part);
@@ -99,6 +97,7 @@ struct Walk {
             tnef.part = part;
             tnef.parent = parent;
             tnef.owner = owner;
+            tnef.signedOver = signedOver;
             found.push_back(std::move(tnef));
         }
     }
@@ -109,7 +108,7 @@ struct Walk {
 std::vector<TnefPart> findTnefParts(GMimeMessage* message, const MessageInfo& info,
                                     size_t firstNumber) {
     Walk walk{info, firstNumber, {}};
-    walk.body(message, "", 0);
+    walk.body(message, "", 0, false);
     return std::move(walk.found);
 }
 

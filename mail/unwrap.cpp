@@ -62,6 +62,10 @@ public:
 
 private:
     bool unwrapPart(const TnefPart& tnef, MessageOutcome& outcome, std::string* problem) {
+        if (tnef.signedOver) {
+            *problem = "it is signed (multipart/signed), and changing it would break the signature";
+            return false;
+        }
         std::unique_ptr<tnefhost::HostIo> decoded = decodePart(tnef.part, problem);
         if (!decoded) return false;
         Session session(module_, host_);

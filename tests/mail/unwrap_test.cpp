@@ -130,6 +130,10 @@ TEST(Unwrap, WhatHasNoReadableTnefComesOutByteForByte) {
          multipart("mixed", {bytesPart("text/plain", bytesOf("Hi\n"), GMIME_CONTENT_ENCODING_7BIT),
                              bytesPart("application/ms-tnef", damagedTnef(), GMIME_CONTENT_ENCODING_BASE64, "winmail.dat")}),
          3},
+        {"signed TNEF",
+         multipart("signed", {bytesPart("application/ms-tnef", richTnef(), GMIME_CONTENT_ENCODING_BASE64, "winmail.dat"),
+                              bytesPart("application/pgp-signature", bytesOf("sig"), GMIME_CONTENT_ENCODING_7BIT)}),
+         3},
     };
     for (Case& c : cases) {
         SCOPED_TRACE(c.what);
