@@ -102,10 +102,7 @@ int listMail(const ListOptions& options, InputSource& source) {
         });
     std::optional<std::string> problem;
     if (scan.parts == 0) problem = noTnefText(scan);
-    if (options.part && listed == 0 && scan.parts > 0) {
-        problem = "no TNEF part " + std::to_string(*options.part) + " (the input has " +
-                  std::to_string(scan.parts) + ")";
-    }
+    if (options.part && listed == 0 && scan.parts > 0) problem = noSuchPartText(*options.part, scan);
     if (options.json) {
         auto report = fileReportHead(options.file, std::nullopt, problem);
         report["input"] = tnefmail::inputKindName(source.mail->kind());

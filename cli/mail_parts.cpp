@@ -62,6 +62,10 @@ std::string noTnefText(const MailScan& scan) {
     return "no TNEF part in " + std::to_string(scan.messages) + " messages";
 }
 
+std::string noSuchPartText(size_t wanted, const MailScan& scan) {
+    return "no TNEF part " + std::to_string(wanted) + " (the input has " + std::to_string(scan.parts) + ")";
+}
+
 MailScan forEachMailPart(const ReaderModule& module, tnefhost::PosixHost& host, MailInput& mail,
                          bool rootEntry,
                          const std::function<void(const TnefPart&, OpenedInput&)>& visit) {
@@ -107,8 +111,7 @@ OpenedInput openMailPart(const ReaderModule& module, tnefhost::PosixHost& host, 
     if (!chosen) {
         OpenedInput none;
         none.exitCode = kExitUsage;
-        none.error = "no TNEF part " + std::to_string(wanted) + " (the input has " +
-                     std::to_string(scan.parts) + ")";
+        none.error = noSuchPartText(wanted, scan);
         return none;
     }
     if (!part && scan.parts > 1) {

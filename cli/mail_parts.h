@@ -43,6 +43,8 @@ MailScan forEachMailPart(const tnefclient::ReaderModule& module, tnefhost::Posix
 
 // "no TNEF part in N messages" and the like.
 std::string noTnefText(const MailScan& scan);
+// "no TNEF part 5 (the input has 2)".
+std::string noSuchPartText(size_t wanted, const MailScan& scan);
 
 // {"part", "message": {"number", "file", "messageId", "subject", "from"},
 //  "mimePart", "name", "contentType"}

@@ -2,8 +2,6 @@
 
 #include <unistd.h>
 
-#include <cstdio>
-
 #include "cli/exit_codes.h"
 #include "cli/mail_parts.h"
 

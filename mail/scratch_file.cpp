@@ -6,7 +6,6 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <vector>
 
 namespace tnefmail {
 
@@ -32,18 +31,6 @@ bool writeAll(int fd, const void* bytes, size_t size) {
         if (n <= 0) return false;
         at += n;
         size -= static_cast<size_t>(n);
-    }
-    return true;
-}
-
-bool copyRange(int from, int64_t begin, int64_t end, int to) {
-    std::vector<char> buffer(256 * 1024);
-    while (begin < end) {
-        size_t want = static_cast<size_t>(std::min<int64_t>(end - begin, buffer.size()));
-        ssize_t n = ::pread(from, buffer.data(), want, static_cast<off_t>(begin));
-        if (n < 0 && errno == EINTR) continue;
-        if (n <= 0 || !writeAll(to, buffer.data(), static_cast<size_t>(n))) return false;
-        begin += n;
     }
     return true;
 }

@@ -12,8 +12,4 @@ int makeScratchFile(std::string* error);
 // Writes all of `size` bytes; false on any failure (errno tells why).
 bool writeAll(int fd, const void* bytes, size_t size);
 
-// Copies [begin, end) of `from` to the descriptor `to`, reading at those
-// offsets without moving `from`. False on a failed read or write.
-bool copyRange(int from, int64_t begin, int64_t end, int to);
-
 }  // namespace tnefmail
