@@ -108,11 +108,17 @@ bool MailInput::readFile(int fd, const std::string& file, InputKind kind, size_t
     while (!*stop && !g_mime_parser_eos(parser.get())) {
         GRef<GMimeMessage> message =
             GRef<GMimeMessage>::adopt(g_mime_parser_construct_message(parser.get(), nullptr));
-        if (!message) break;
+        if (!message && (mbox || any)) break;
         any = true;
         MailMessage mail;
         mail.info.number = number++;
         mail.info.file = file;
+        if (!message) {  // no message GMime can make out: its bytes, with no TNEF part
+            mail.fd = fd;
+            mail.end = size;
+            if (!visit(mail)) *stop = true;
+            break;
+        }
         describeMessage(message.get(), &mail.info);
         mail.message = message.get();
         mail.fd = fd;

@@ -40,7 +40,7 @@ struct TnefPart {
 // One message, valid inside forEachMessage's callback.
 struct MailMessage {
     MessageInfo info;
-    GMimeMessage* message = nullptr;
+    GMimeMessage* message = nullptr;  // null for bytes that make no message at all
     int fd = -1;              // the file the message is read from
     int64_t begin = 0;        // its bytes in that file, an mbox's "From " line included
     int64_t headersBegin = 0;
@@ -68,7 +68,8 @@ public:
     // A maildir's message files: cur/ then new/, each in name order.
     std::vector<std::string> maildirFiles() const;
 
-    // Calls `visit` for every message in order until it returns false.
+    // Calls `visit` for every message in order until it returns false. A
+    // file that is no mbox is read as one message.
     // False, with `error`, when the input can't be parsed as mail at all.
     bool forEachMessage(const std::function<bool(MailMessage&)>& visit, std::string* error);
 

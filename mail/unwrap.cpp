@@ -47,7 +47,10 @@ public:
             std::string problem;
             if (unwrapPart(tnef, outcome, &problem)) {
                 ++outcome.replaced;
+                // The correlator names the TNEF part that is gone; an mbox's
+                // Content-Length no longer holds.
                 g_mime_object_remove_header(GMIME_OBJECT(mail.message), "X-MS-TNEF-Correlator");
+                g_mime_object_remove_header(GMIME_OBJECT(mail.message), "Content-Length");
             } else {
                 outcome.problems.push_back(partPlace(tnef) + ": left as it was: " + problem);
             }
@@ -179,9 +182,10 @@ UnwrapReport unwrapMail(const ReaderModule& module, HostContext* host, const Unw
         return report;
     }
     report.kind = input->kind();
-    if (input->kind() == InputKind::kTnef || input->kind() == InputKind::kOther) {
-        report.error = std::string("not a mail message, mbox or maildir") +
-                       (input->kind() == InputKind::kTnef ? " (a raw TNEF stream: use extract)" : "");
+    // Anything else is read as one message: a filter must pass on what it
+    // doesn't understand as it came.
+    if (input->kind() == InputKind::kTnef) {
+        report.error = "a raw TNEF stream, not mail: use extract";
         return report;
     }
     Unwrapper unwrapper(module, host, report);

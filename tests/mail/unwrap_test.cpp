@@ -118,32 +118,35 @@ TEST(Unwrap, EveryShapeOfTnefMailBecomesStandardMime) {
 }
 
 TEST(Unwrap, WhatHasNoReadableTnefComesOutByteForByte) {
+    GRef<GMimeObject> hi = bytesPart("text/plain", bytesOf("Hi\n"), GMIME_CONTENT_ENCODING_7BIT);
     struct Case {
         const char* what;
-        GRef<GMimeObject> body;
+        std::string message;
         int exitCode;
     } cases[] = {
-        {"no TNEF", multipart("mixed", {bytesPart("text/plain", bytesOf("Hi\n"), GMIME_CONTENT_ENCODING_7BIT),
-                                        bytesPart("application/pdf", bytesOf(kPdf), GMIME_CONTENT_ENCODING_BASE64, "a.pdf")}),
+        {"no TNEF", messageBytes(multipart("mixed", {hi, bytesPart("application/pdf", bytesOf(kPdf),
+                                                                   GMIME_CONTENT_ENCODING_BASE64, "a.pdf")})),
          0},
         {"damaged TNEF",
-         multipart("mixed", {bytesPart("text/plain", bytesOf("Hi\n"), GMIME_CONTENT_ENCODING_7BIT),
-                             bytesPart("application/ms-tnef", damagedTnef(), GMIME_CONTENT_ENCODING_BASE64, "winmail.dat")}),
+         messageBytes(multipart("mixed", {hi, bytesPart("application/ms-tnef", damagedTnef(),
+                                                        GMIME_CONTENT_ENCODING_BASE64, "winmail.dat")})),
          3},
         {"signed TNEF",
-         multipart("signed", {bytesPart("application/ms-tnef", richTnef(), GMIME_CONTENT_ENCODING_BASE64, "winmail.dat"),
-                              bytesPart("application/pgp-signature", bytesOf("sig"), GMIME_CONTENT_ENCODING_7BIT)}),
+         messageBytes(multipart("signed", {bytesPart("application/ms-tnef", richTnef(), GMIME_CONTENT_ENCODING_BASE64,
+                                                     "winmail.dat"),
+                                           bytesPart("application/pgp-signature", bytesOf("sig"),
+                                                     GMIME_CONTENT_ENCODING_7BIT)})),
          3},
+        {"not mail at all", "\x01\x02 no header\n\nFrom nowhere\n", 0},
     };
-    for (Case& c : cases) {
+    for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         TempDir dir;
-        std::string message = messageBytes(c.body);
         std::string in = dir / "in.eml";
-        std::ofstream(in, std::ios::binary) << message;
+        std::ofstream(in, std::ios::binary) << c.message;
         ToolRun run = runTool({"unwrap", "-"}, in);
         EXPECT_EQ(run.exitCode, c.exitCode);
-        EXPECT_EQ(run.out, message);
+        EXPECT_EQ(run.out, c.message);
         EXPECT_EQ(run.err.find("left as it was") != std::string::npos, c.exitCode == 3) << run.err;
     }
 }
