@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 
 #include "client/tnef_client.h"
@@ -18,23 +19,25 @@ size_t fieldNameLength(std::string_view line) {
     return n;
 }
 
+// True when `line` can stand in a header block: a field, or (not first) the
+// continuation of one.
+bool isHeaderLine(std::string_view line, bool first) {
+    if (!line.empty() && (line[0] == ' ' || line[0] == '\t')) return !first;
+    size_t name = fieldNameLength(line);
+    return name > 0 && name < line.size() && line[name] == ':';
+}
+
 // True when the head opens with header fields up to a blank line, or to
 // the end of the head: a message's header block.
 bool opensWithHeaders(std::string_view head) {
     bool first = true;
     while (!head.empty()) {
-        size_t end = head.find('\n');
-        if (end == std::string_view::npos) return !first;  // cut by the head's size
+        size_t end = std::min(head.find('\n'), head.size());
         std::string_view line = head.substr(0, end);
         if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-        head.remove_prefix(end + 1);
+        head.remove_prefix(std::min(end + 1, head.size()));
         if (line.empty()) return !first;
-        bool continuation = line[0] == ' ' || line[0] == '\t';
-        if (continuation ? first : (fieldNameLength(line) == 0 ||
-                                    fieldNameLength(line) >= line.size() ||
-                                    line[fieldNameLength(line)] != ':')) {
-            return false;
-        }
+        if (!isHeaderLine(line, first)) return false;
         first = false;
     }
     return !first;
@@ -70,6 +73,10 @@ bool isMaildir(const std::string& path) {
 
 InputKind detectInputKind(const std::string& path) {
     if (isMaildir(path)) return InputKind::kMaildir;
+    // Only a regular file can be looked at without taking bytes from
+    // whoever reads it next (a pipe, a terminal).
+    std::error_code ec;
+    if (!std::filesystem::is_regular_file(path, ec)) return InputKind::kOther;
     int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (fd < 0) return InputKind::kOther;
     char head[kKindHeadBytes];

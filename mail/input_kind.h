@@ -24,7 +24,8 @@ constexpr size_t kKindHeadBytes = 4096;
 // The kind of a file whose first bytes are `head`.
 InputKind detectKindOfHead(std::string_view head);
 
-// The kind of the file or folder at `path`; kOther for what can't be read.
+// The kind of the file or folder at `path`; kOther for what can't be read
+// and for anything but a regular file or a maildir.
 InputKind detectInputKind(const std::string& path);
 
 // True for a folder that holds cur/, new/ and tmp/.
