@@ -137,7 +137,7 @@ void processInput(const ReaderModule& module, tnefhost::PosixHost& host, BatchIn
         BatchItem& item = batchInput.items.emplace_back();
         item.file = batchInput.file;
         item.exitCode = kExitUnreadable;
-        item.noTnef = !scan.error;
+        item.noTnef = true;
         item.error = noTnefText(scan);
     }
 }

@@ -57,7 +57,6 @@ bool isMail(InputKind kind) {
 bool isMailFile(const std::string& path) { return isMail(tnefmail::detectInputKind(path)); }
 
 std::string noTnefText(const MailScan& scan) {
-    if (scan.error) return *scan.error;
     if (scan.messages == 1) return "no TNEF part in the message";
     return "no TNEF part in " + std::to_string(scan.messages) + " messages";
 }
@@ -70,19 +69,15 @@ MailScan forEachMailPart(const ReaderModule& module, tnefhost::PosixHost& host, 
                          bool rootEntry,
                          const std::function<void(const TnefPart&, OpenedInput&)>& visit) {
     MailScan scan;
-    std::string error;
-    bool read = mail.forEachMessage(
-        [&](MailMessage& message) {
-            ++scan.messages;
-            for (const TnefPart& part : message.tnefParts) {
-                ++scan.parts;
-                OpenedInput opened = openPart(module, host, part, rootEntry);
-                visit(*opened.part, opened);
-            }
-            return true;
-        },
-        &error);
-    if (!read) scan.error = error;
+    mail.forEachMessage([&](MailMessage& message) {
+        ++scan.messages;
+        for (const TnefPart& part : message.tnefParts) {
+            ++scan.parts;
+            OpenedInput opened = openPart(module, host, part, rootEntry);
+            visit(*opened.part, opened);
+        }
+        return true;
+    });
     return scan;
 }
 
@@ -91,17 +86,13 @@ OpenedInput openMailPart(const ReaderModule& module, tnefhost::PosixHost& host, 
     size_t wanted = part.value_or(0);
     MailScan scan;
     std::optional<OpenedInput> chosen;
-    std::string error;
-    bool read = mail.forEachMessage(
-        [&](MailMessage& message) {
-            ++scan.messages;
-            for (const TnefPart& found : message.tnefParts) {
-                if (scan.parts++ == wanted) chosen = openPart(module, host, found, rootEntry);
-            }
-            return true;
-        },
-        &error);
-    if (!read) scan.error = error;
+    mail.forEachMessage([&](MailMessage& message) {
+        ++scan.messages;
+        for (const TnefPart& found : message.tnefParts) {
+            if (scan.parts++ == wanted) chosen = openPart(module, host, found, rootEntry);
+        }
+        return true;
+    });
     if (scan.parts == 0) {
         OpenedInput none;
         none.exitCode = kExitUnreadable;

@@ -33,7 +33,6 @@ OpenedInput openMailPart(const tnefclient::ReaderModule& module, tnefhost::Posix
 struct MailScan {
     size_t messages = 0;
     size_t parts = 0;
-    std::optional<std::string> error;  // the input could not be read as mail
 };
 
 // Opens every TNEF part of `mail` in turn and hands it to `visit`.

@@ -94,9 +94,9 @@ std::vector<std::string> MailInput::maildirFiles() const {
     return files;
 }
 
-bool MailInput::readFile(int fd, const std::string& file, InputKind kind, size_t& number,
+void MailInput::readFile(int fd, const std::string& file, InputKind kind, size_t& number,
                          size_t& partNumber, const std::function<bool(MailMessage&)>& visit,
-                         std::string* error, bool* stop) {
+                         bool* stop) {
     GRef<GMimeStream> stream = GRef<GMimeStream>::adopt(g_mime_stream_fs_new_with_bounds(fd, 0, -1));
     g_mime_stream_fs_set_owner(GMIME_STREAM_FS(stream.get()), FALSE);
     GRef<GMimeParser> parser = GRef<GMimeParser>::adopt(g_mime_parser_new_with_stream(stream.get()));
@@ -104,59 +104,68 @@ bool MailInput::readFile(int fd, const std::string& file, InputKind kind, size_t
     bool mbox = kind == InputKind::kMbox;
     g_mime_parser_set_format(parser.get(), mbox ? GMIME_FORMAT_MBOX : GMIME_FORMAT_MESSAGE);
     int64_t size = fileSize(fd);
+    // A message is handed on once the next one is found: its bytes end where
+    // the next one's "From " line starts, or at the end of the file, so that
+    // the messages cover every byte of it.
+    GRef<GMimeMessage> held;
+    MailMessage pending;
+    auto handOn = [&](int64_t end) {
+        pending.end = end;
+        pending.lastInFile = end == size;
+        if (!visit(pending)) *stop = true;
+        held.reset();
+    };
     bool any = false;
     while (!*stop && !g_mime_parser_eos(parser.get())) {
         GRef<GMimeMessage> message =
             GRef<GMimeMessage>::adopt(g_mime_parser_construct_message(parser.get(), nullptr));
-        if (!message && (mbox || any)) break;
+        if (!message) break;
+        int64_t begin = mbox && any ? g_mime_parser_get_mbox_marker_offset(parser.get()) : 0;
+        if (held) handOn(begin);
+        if (*stop) break;
         any = true;
-        MailMessage mail;
-        mail.info.number = number++;
-        mail.info.file = file;
-        if (!message) {  // no message GMime can make out: its bytes, with no TNEF part
-            mail.fd = fd;
-            mail.end = size;
-            if (!visit(mail)) *stop = true;
-            break;
-        }
-        describeMessage(message.get(), &mail.info);
-        mail.message = message.get();
-        mail.fd = fd;
-        mail.begin = mbox ? g_mime_parser_get_mbox_marker_offset(parser.get()) : 0;
-        mail.headersBegin = mbox ? g_mime_parser_get_headers_begin(parser.get()) : 0;
-        mail.end = mbox ? std::min<int64_t>(g_mime_parser_tell(parser.get()), size) : size;
-        mail.lastInFile = !mbox || g_mime_parser_eos(parser.get());
-        mail.tnefParts = findTnefParts(message.get(), mail.info, partNumber);
-        partNumber += mail.tnefParts.size();
-        mail.info.tnefParts = mail.tnefParts.size();
-        for (TnefPart& part : mail.tnefParts) part.message.tnefParts = mail.tnefParts.size();
-        if (!visit(mail)) *stop = true;
+        pending = MailMessage();
+        pending.info.number = number++;
+        pending.info.file = file;
+        describeMessage(message.get(), &pending.info);
+        pending.message = message.get();
+        pending.fd = fd;
+        pending.begin = begin;
+        pending.headersBegin = mbox ? g_mime_parser_get_headers_begin(parser.get()) : 0;
+        pending.tnefParts = findTnefParts(message.get(), pending.info, partNumber);
+        partNumber += pending.tnefParts.size();
+        pending.info.tnefParts = pending.tnefParts.size();
+        for (TnefPart& part : pending.tnefParts) part.message.tnefParts = pending.tnefParts.size();
+        held = std::move(message);
         if (!mbox) break;
     }
-    if (!any && mbox) {
-        *error = "no message could be read from " + file;
-        return false;
+    if (held && !*stop) handOn(size);
+    if (!any && !*stop) {  // no message GMime can make out: the bytes, with no TNEF part
+        MailMessage whole;
+        whole.info.number = number++;
+        whole.info.file = file;
+        whole.fd = fd;
+        whole.end = size;
+        if (!visit(whole)) *stop = true;
     }
-    return true;
 }
 
-bool MailInput::forEachMessage(const std::function<bool(MailMessage&)>& visit, std::string* error) {
+void MailInput::forEachMessage(const std::function<bool(MailMessage&)>& visit) {
     size_t number = 0;
     size_t partNumber = 0;
     bool stop = false;
     if (kind_ != InputKind::kMaildir) {
-        return readFile(fd_, isStandardInput() ? "standard input" : path_, kind_, number, partNumber,
-                        visit, error, &stop);
+        readFile(fd_, isStandardInput() ? "standard input" : path_, kind_, number, partNumber, visit,
+                 &stop);
+        return;
     }
     for (const std::string& file : maildirFiles()) {
         if (stop) break;
         int fd = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
         if (fd < 0) continue;  // delivered or expunged since the folder was read
-        std::string ignored;
-        readFile(fd, file, InputKind::kMessage, number, partNumber, visit, &ignored, &stop);
+        readFile(fd, file, InputKind::kMessage, number, partNumber, visit, &stop);
         ::close(fd);
     }
-    return true;
 }
 
 void describeMessage(GMimeMessage* message, MessageInfo* info) {

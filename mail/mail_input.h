@@ -42,7 +42,8 @@ struct MailMessage {
     MessageInfo info;
     GMimeMessage* message = nullptr;  // null for bytes that make no message at all
     int fd = -1;              // the file the message is read from
-    int64_t begin = 0;        // its bytes in that file, an mbox's "From " line included
+    int64_t begin = 0;        // its bytes in that file, an mbox's "From " line included:
+                              // an mbox's messages cover the whole file
     int64_t headersBegin = 0;
     int64_t end = 0;
     bool lastInFile = true;
@@ -69,15 +70,14 @@ public:
     std::vector<std::string> maildirFiles() const;
 
     // Calls `visit` for every message in order until it returns false. A
-    // file that is no mbox is read as one message.
-    // False, with `error`, when the input can't be parsed as mail at all.
-    bool forEachMessage(const std::function<bool(MailMessage&)>& visit, std::string* error);
+    // file that is no mbox is read as one message; bytes that make no
+    // message at all are handed on as one without a MIME tree.
+    void forEachMessage(const std::function<bool(MailMessage&)>& visit);
 
 private:
     MailInput() = default;
-    bool readFile(int fd, const std::string& file, InputKind kind, size_t& number,
-                  size_t& partNumber, const std::function<bool(MailMessage&)>& visit,
-                  std::string* error, bool* stop);
+    void readFile(int fd, const std::string& file, InputKind kind, size_t& number,
+                  size_t& partNumber, const std::function<bool(MailMessage&)>& visit, bool* stop);
 
     std::string path_;
     InputKind kind_ = InputKind::kOther;

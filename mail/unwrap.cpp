@@ -122,15 +122,12 @@ bool unwrapFile(MailInput& input, Unwrapper& unwrapper, OutputSink& sink, bool* 
                 std::string* error) {
     bool mbox = input.kind() == InputKind::kMbox;
     bool written = true;
-    bool parsed = input.forEachMessage(
-        [&](MailMessage& mail) {
-            MessageOutcome outcome = unwrapper.unwrap(mail);
-            if (!outcome.problems.empty()) *clean = false;
-            written = writeMessage(sink, mail, outcome, mbox);
-            return written;
-        },
-        error);
-    if (!parsed) return false;
+    input.forEachMessage([&](MailMessage& mail) {
+        MessageOutcome outcome = unwrapper.unwrap(mail);
+        if (!outcome.problems.empty()) *clean = false;
+        written = writeMessage(sink, mail, outcome, mbox);
+        return written;
+    });
     if (!written || !sink.flush()) {
         *error = "cannot write the output: " + sink.error();
         return false;
@@ -139,7 +136,6 @@ bool unwrapFile(MailInput& input, Unwrapper& unwrapper, OutputSink& sink, bool* 
 }
 
 void unwrapMaildir(MailInput& input, Unwrapper& unwrapper, UnwrapReport& report) {
-    std::string ignored;
     input.forEachMessage(
         [&](MailMessage& mail) {
             MessageOutcome outcome = unwrapper.unwrap(mail);
@@ -161,8 +157,7 @@ void unwrapMaildir(MailInput& input, Unwrapper& unwrapper, UnwrapReport& report)
             }
             ++report.filesRewritten;
             return true;
-        },
-        &ignored);
+        });
 }
 
 }  // namespace
