@@ -81,12 +81,6 @@ OpenedInput openSource(const ReaderModule& module, tnefhost::PosixHost& host, In
     return opened;
 }
 
-OpenedInput openInputWith(const ReaderModule& module, tnefhost::PosixHost& host,
-                          const std::string& file, bool rootEntry, PartChoice part) {
-    InputSource source = lookAt(file);
-    return openSource(module, host, source, rootEntry, part);
-}
-
 OpenedInput openInput(InputSource& source, bool rootEntry, PartChoice part) {
     std::string error;
     const ReaderModule* module = ReaderModule::load(&error);

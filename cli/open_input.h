@@ -44,11 +44,8 @@ using PartChoice = std::optional<size_t>;
 OpenedInput openInput(const std::string& file, bool rootEntry, PartChoice part = std::nullopt);
 OpenedInput openInput(InputSource& source, bool rootEntry, PartChoice part = std::nullopt);
 
-// Opens `file` in an existing host context (batch workers keep one each).
-OpenedInput openInputWith(const tnefclient::ReaderModule& module, tnefhost::PosixHost& host,
-                          const std::string& file, bool rootEntry, PartChoice part = std::nullopt);
-
-// Opens what `source` holds: a raw stream, or the TNEF part `part` of mail.
+// Opens what `source` holds, a raw stream or the TNEF part `part` of mail,
+// in an existing host context (batch workers keep one each).
 OpenedInput openSource(const tnefclient::ReaderModule& module, tnefhost::PosixHost& host,
                        InputSource& source, bool rootEntry, PartChoice part = std::nullopt);
 
