@@ -44,6 +44,8 @@ public:
     T* get() const { return object_; }
     T* operator->() const { return object_; }
     explicit operator bool() const { return object_ != nullptr; }
+    // Hands the reference to the caller.
+    T* release() { return std::exchange(object_, nullptr); }
     void reset() {
         if (object_ != nullptr) g_object_unref(object_);
         object_ = nullptr;

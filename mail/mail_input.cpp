@@ -10,6 +10,7 @@
 #include <cstring>
 #include <filesystem>
 
+#include "mail/file_stream.h"
 #include "mail/scratch_file.h"
 
 namespace tnefmail {
@@ -97,13 +98,12 @@ std::vector<std::string> MailInput::maildirFiles() const {
 void MailInput::readFile(int fd, const std::string& file, InputKind kind, size_t& number,
                          size_t& partNumber, const std::function<bool(MailMessage&)>& visit,
                          bool* stop) {
-    GRef<GMimeStream> stream = GRef<GMimeStream>::adopt(g_mime_stream_fs_new_with_bounds(fd, 0, -1));
-    g_mime_stream_fs_set_owner(GMIME_STREAM_FS(stream.get()), FALSE);
+    int64_t size = fileSize(fd);
+    GRef<GMimeStream> stream = fileRangeStream(fd, 0, size);
     GRef<GMimeParser> parser = GRef<GMimeParser>::adopt(g_mime_parser_new_with_stream(stream.get()));
     g_mime_parser_set_persist_stream(parser.get(), TRUE);
     bool mbox = kind == InputKind::kMbox;
     g_mime_parser_set_format(parser.get(), mbox ? GMIME_FORMAT_MBOX : GMIME_FORMAT_MESSAGE);
-    int64_t size = fileSize(fd);
     // A message is handed on once the next one is found: its bytes end where
     // the next one's "From " line starts, or at the end of the file, so that
     // the messages cover every byte of it.

@@ -123,17 +123,29 @@ bool OutputSink::copyRange(int fd, int64_t begin, int64_t end) {
     return true;
 }
 
-bool OutputSink::writeObject(GMimeObject* object) {
+bool OutputSink::throughStream(const std::function<bool(GMimeStream*)>& write) {
     auto* stream = static_cast<TnefMailSinkStream*>(g_object_new(tnef_mail_sink_stream_get_type(), nullptr));
     g_mime_stream_construct(GMIME_STREAM(stream), 0, -1);
     stream->sink = this;
-    bool written = g_mime_object_write_to_stream(object, nullptr, GMIME_STREAM(stream)) >= 0;
+    bool written = write(GMIME_STREAM(stream));
     g_object_unref(stream);
     if (!written && !failed_) {
         failed_ = true;
-        error_ = "the message could not be written";
+        error_ = "the input could not be read";
     }
     return written && !failed_;
+}
+
+bool OutputSink::writeObject(GMimeObject* object) {
+    return throughStream([object](GMimeStream* stream) {
+        return g_mime_object_write_to_stream(object, nullptr, stream) >= 0;
+    });
+}
+
+bool OutputSink::writeDecoded(GMimeDataWrapper* content) {
+    return throughStream([content](GMimeStream* stream) {
+        return g_mime_data_wrapper_write_to_stream(content, stream) >= 0;
+    }) && flush();
 }
 
 int OutputSink::trailingLineFeeds() const {

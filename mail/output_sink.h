@@ -8,6 +8,7 @@
 #include <gmime/gmime.h>
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,8 @@ public:
     bool copyRange(int fd, int64_t begin, int64_t end);
     // The object as GMime writes it.
     bool writeObject(GMimeObject* object);
+    // A part's content, decoded.
+    bool writeDecoded(GMimeDataWrapper* content);
     // Adds line feeds until the output ends in `count` of them (an empty
     // output is left empty).
     bool endWithLineFeeds(int count);
@@ -38,6 +41,9 @@ public:
 
 private:
     void take(const char* bytes, size_t size);
+    // Hands GMime a stream into this sink for `write`; false when it or the
+    // sink failed.
+    bool throughStream(const std::function<bool(GMimeStream*)>& write);
     int trailingLineFeeds() const;
 
     int fd_;

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "client/buffered_io.h"
+#include "mail/file_stream.h"
 #include "mail/scratch_file.h"
 
 namespace tnefmail {
@@ -59,16 +60,12 @@ private:
 }  // namespace
 
 PayloadStore::~PayloadStore() {
-    stream_.reset();
     if (fd_ >= 0) ::close(fd_);
 }
 
 bool PayloadStore::open(std::string* error) {
     fd_ = makeScratchFile(error);
-    if (fd_ < 0) return false;
-    stream_ = GRef<GMimeStream>::adopt(g_mime_stream_fs_new_with_bounds(fd_, 0, -1));
-    g_mime_stream_fs_set_owner(GMIME_STREAM_FS(stream_.get()), FALSE);
-    return true;
+    return fd_ >= 0;
 }
 
 tnefclient::ExtractOutcome PayloadStore::extract(tnefclient::Session& session, int32_t index,
@@ -99,7 +96,7 @@ bool PayloadStore::append(const std::string& bytes, Slice* slice) {
 }
 
 GRef<GMimeStream> PayloadStore::stream(const Slice& slice) const {
-    return GRef<GMimeStream>::adopt(g_mime_stream_substream(stream_.get(), slice.begin, slice.end));
+    return fileRangeStream(fd_, slice.begin, slice.end);
 }
 
 std::string PayloadStore::head(const Slice& slice, size_t count) const {

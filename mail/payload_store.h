@@ -36,15 +36,14 @@ public:
     // Appends bytes as a new slice; false when they can't be written.
     bool append(const std::string& bytes, Slice* slice);
 
-    // The slice as a GMime stream (the store stays shared by all of them).
+    // The slice as a GMime stream, read in large blocks.
     GRef<GMimeStream> stream(const Slice& slice) const;
     // Up to `count` bytes from the slice's start.
     std::string head(const Slice& slice, size_t count) const;
 
 private:
-    int fd_ = -1;
+    int fd_ = -1;  // the store's slices must not outlive it
     int64_t end_ = 0;
-    GRef<GMimeStream> stream_;
 };
 
 }  // namespace tnefmail

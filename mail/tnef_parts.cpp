@@ -4,6 +4,7 @@
 
 #include "client/tnef_client.h"
 #include "mail/mail_input.h"
+#include "mail/output_sink.h"
 #include "mail/scratch_file.h"
 
 namespace tnefmail {
@@ -116,15 +117,10 @@ std::unique_ptr<tnefhost::HostIo> decodePart(GMimePart* part, std::string* error
     int fd = makeScratchFile(error);
     if (fd < 0) return nullptr;
     GMimeDataWrapper* content = g_mime_part_get_content(part);
-    bool written = true;
-    if (content != nullptr) {
-        GRef<GMimeStream> scratch = GRef<GMimeStream>::adopt(g_mime_stream_fs_new(fd));
-        g_mime_stream_fs_set_owner(GMIME_STREAM_FS(scratch.get()), FALSE);
-        written = g_mime_data_wrapper_write_to_stream(content, scratch.get()) >= 0 &&
-                  g_mime_stream_flush(scratch.get()) == 0;
-    }
-    if (!written || ::lseek(fd, 0, SEEK_SET) != 0) {
-        *error = "cannot decode the TNEF part into a scratch file";
+    OutputSink scratch(fd);
+    if ((content != nullptr && !scratch.writeDecoded(content)) || ::lseek(fd, 0, SEEK_SET) != 0) {
+        *error = "cannot decode the TNEF part into a scratch file" +
+                 (scratch.failed() ? ": " + scratch.error() : std::string());
         ::close(fd);
         return nullptr;
     }
