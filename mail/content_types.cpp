@@ -58,27 +58,42 @@ std::string typeOfExtension(std::string_view name) {
     return found != table.end() ? found->second : std::string();
 }
 
-ContentTypes::~ContentTypes() {
-    if (magic_ != nullptr) magic_close(static_cast<magic_t>(magic_));
-}
+namespace {
 
-std::string ContentTypes::forFile(std::string_view name, std::string_view head) {
+// libmagic's cookie of this thread (a cookie is not to be shared), loaded
+// on first use and closed when the thread ends.
+class MagicCookie {
+public:
+    magic_t get() {
+        if (!tried_) {
+            tried_ = true;
+            cookie_ = magic_open(MAGIC_MIME_TYPE | MAGIC_ERROR);
+            if (cookie_ != nullptr && magic_load(cookie_, nullptr) != 0) {
+                magic_close(cookie_);
+                cookie_ = nullptr;
+            }
+        }
+        return cookie_;
+    }
+    ~MagicCookie() {
+        if (cookie_ != nullptr) magic_close(cookie_);
+    }
+
+private:
+    magic_t cookie_ = nullptr;
+    bool tried_ = false;
+};
+
+thread_local MagicCookie threadMagic;
+
+}  // namespace
+
+std::string contentTypeFor(std::string_view name, std::string_view head) {
     std::string type = typeOfExtension(name);
     if (!type.empty()) return type;
-    if (!magicTried_) {
-        magicTried_ = true;
-        magic_t cookie = magic_open(MAGIC_MIME_TYPE | MAGIC_ERROR);
-        if (cookie != nullptr && magic_load(cookie, nullptr) != 0) {
-            magic_close(cookie);
-            cookie = nullptr;
-        }
-        magic_ = cookie;
-    }
-    if (magic_ != nullptr && !head.empty()) {
-        const char* found = magic_buffer(static_cast<magic_t>(magic_), head.data(), head.size());
-        if (found != nullptr && isMimeType(found)) return found;
-    }
-    return "application/octet-stream";
+    magic_t cookie = head.empty() ? nullptr : threadMagic.get();
+    const char* found = cookie != nullptr ? magic_buffer(cookie, head.data(), head.size()) : nullptr;
+    return found != nullptr && isMimeType(found) ? found : "application/octet-stream";
 }
 
 }  // namespace tnefmail

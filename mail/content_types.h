@@ -8,21 +8,10 @@
 
 namespace tnefmail {
 
-class ContentTypes {
-public:
-    ContentTypes() = default;
-    ~ContentTypes();
-    ContentTypes(const ContentTypes&) = delete;
-    ContentTypes& operator=(const ContentTypes&) = delete;
-
-    // "type/subtype" for a file called `name` whose content starts with
-    // `head`; application/octet-stream when neither tells.
-    std::string forFile(std::string_view name, std::string_view head);
-
-private:
-    void* magic_ = nullptr;  // libmagic's cookie, opened on first use (one per thread)
-    bool magicTried_ = false;
-};
+// "type/subtype" for a file called `name` whose content starts with `head`;
+// application/octet-stream when neither tells. libmagic's database is loaded
+// once per thread, on first need.
+std::string contentTypeFor(std::string_view name, std::string_view head);
 
 // The type /etc/mime.types gives the extension of `name`, ASCII case
 // ignored; empty when it gives none.

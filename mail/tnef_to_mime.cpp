@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 
+#include "mail/content_types.h"
 #include "mail/message_bodies.h"
 #include "mail/mime_parts.h"
 
@@ -154,7 +155,7 @@ bool TnefConverter::addSubfile(Session& session, const ListedSubfile& subfile,
         subfile.name.value_or("subfile-" + std::to_string(entry.index)));
     std::optional<std::string> type =
         textProperty(session, entry.index, {kTagAttachMimeTag16, kTagAttachMimeTag8});
-    if (!type || !isMimeType(*type)) type = types_.forFile(name, store_.head(slice, kMagicHeadBytes));
+    if (!type || !isMimeType(*type)) type = contentTypeFor(name, store_.head(slice, kMagicHeadBytes));
     GRef<GMimeObject> part = attachmentPart(*type, name, store_.stream(slice));
     std::optional<std::string> id =
         textProperty(session, entry.index, {kTagAttachContentId16, kTagAttachContentId8});

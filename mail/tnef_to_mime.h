@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "client/tnef_client.h"
-#include "mail/content_types.h"
 #include "mail/gobject_ref.h"
 #include "mail/payload_store.h"
 
@@ -31,7 +30,7 @@ struct ConvertedTnef {
 
 class TnefConverter {
 public:
-    TnefConverter(PayloadStore& store, ContentTypes& types) : store_(store), types_(types) {}
+    explicit TnefConverter(PayloadStore& store) : store_(store) {}
 
     // Converts everything `session` holds; false, with the reason in
     // `problem`, when any of it can't be read whole, since then the TNEF
@@ -50,7 +49,6 @@ private:
                                const std::optional<std::string>& charset, std::string* problem);
 
     PayloadStore& store_;
-    ContentTypes& types_;
 };
 
 }  // namespace tnefmail

@@ -6,7 +6,6 @@
 #include <memory>
 #include <regex>
 
-#include "mail/content_types.h"
 #include "mail/mail_input.h"
 #include "mail/output_sink.h"
 #include "mail/payload_store.h"
@@ -81,7 +80,7 @@ private:
         auto store = std::make_unique<PayloadStore>();
         if (!store->open(problem)) return false;
         ConvertedTnef converted;
-        TnefConverter converter(*store, types_);
+        TnefConverter converter(*store);
         if (!converter.convert(session, &converted, problem)) return false;
         spliceConverted(tnef, converted);
         outcome.stores.push_back(std::move(store));
@@ -91,7 +90,6 @@ private:
     const ReaderModule& module_;
     HostContext* host_;
     UnwrapReport& report_;
-    ContentTypes types_;
 };
 
 // Writes one message: as it came when nothing changed, else serialised
