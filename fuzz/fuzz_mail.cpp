@@ -47,6 +47,8 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
     instance.module = tnefclient::ReaderModule::load(&error);
     tnefuzz::failIf(instance.module == nullptr, "the module can't be loaded: " + error);
     instance.host = tnefclient::makeHost(*instance.module, "fuzz");
+    // As in fuzz_module: a hostile size may ask the host for up to 2 GiB.
+    instance.host->memory().refuseAbove(tnefuzz::kLargestAllocation);
     instance.folder = fs::temp_directory_path() / ("fuzz-mail-" + std::to_string(getpid()));
     fs::create_directories(instance.folder);
     fixture = &instance;
