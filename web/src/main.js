@@ -136,3 +136,5 @@ function setUp() {
 }
 
 setUp();
+// For scripts and tests that drive the page: the reader itself.
+window.tnefViewer = { loadReader };

@@ -4,16 +4,15 @@
 mergeInto(LibraryManager.library, {
   $tnefCharsets: {
     decoder: null,
-    reverse: new Map(),
-    labels: new Map(),  // label pointer -> text
+    // Plain objects: the library's values are written out as source text.
+    reverse: {},
+    labels: {},  // label pointer -> text
     label: function (pointer) {
-      let text = tnefCharsets.labels.get(pointer);
-      if (text === undefined) tnefCharsets.labels.set(pointer, (text = UTF8ToString(pointer)));
-      return text;
+      return (tnefCharsets.labels[pointer] ||= UTF8ToString(pointer));
     },
     // Code point -> bytes for `label`, made on first use.
     reverseTable: function (label) {
-      let table = tnefCharsets.reverse.get(label);
+      let table = tnefCharsets.reverse[label];
       if (table) return table;
       table = new Map();
       const decoder = new TextDecoder(label, { fatal: true });
@@ -51,7 +50,7 @@ mergeInto(LibraryManager.library, {
           }
         }
       }
-      tnefCharsets.reverse.set(label, table);
+      tnefCharsets.reverse[label] = table;
       return table;
     },
   },
