@@ -41,6 +41,48 @@ function quietImages(doc, images) {
   }
 }
 
+// CSS functions that load what they name.
+const CSS_REFERENCE = /(url|image-set|image|cross-fade|src)\s*\(/i;
+
+// Whether a declaration's value (as the CSS object model writes it, with
+// every reference as url("...") or a quoted string) loads from anywhere
+// but a data: URL.
+function loadsRemotely(value) {
+  if (!CSS_REFERENCE.test(value)) return false;
+  const targets = [...value.matchAll(/url\(\s*"((?:[^"\\]|\\.)*)"|"((?:[^"\\]|\\.)*)"/g)]
+    .map((m) => m[1] ?? m[2]);
+  return targets.length === 0 || targets.some((target) => !/^data:/i.test(target));
+}
+
+function quietDeclarations(style) {
+  for (const property of [...style]) {
+    if (loadsRemotely(style.getPropertyValue(property))) style.removeProperty(property);
+  }
+}
+
+function quietRules(rules) {
+  for (const rule of rules) {
+    if (rule.style) quietDeclarations(rule.style);
+    if (rule.cssRules) quietRules(rule.cssRules);
+  }
+}
+
+// Style sheets and style attributes keep everything but what would load;
+// @import goes, as a constructed sheet drops it.
+function quietStyles(doc) {
+  for (const element of doc.querySelectorAll('style')) {
+    const sheet = new CSSStyleSheet();
+    sheet.replaceSync(element.textContent);
+    quietRules(sheet.cssRules);
+    element.textContent = [...sheet.cssRules].map((rule) => rule.cssText).join('\n');
+  }
+  for (const element of doc.querySelectorAll('[style]')) quietDeclarations(element.style);
+  for (const element of doc.querySelectorAll('[href], [*|href]')) {
+    element.removeAttribute('href');
+    element.removeAttributeNS('http://www.w3.org/1999/xlink', 'href');
+  }
+}
+
 function withoutHandlers(doc) {
   for (const element of doc.querySelectorAll('*')) {
     for (const attribute of [...element.attributes]) {
@@ -56,6 +98,7 @@ export function frameDocument(html, images = () => null) {
   for (const element of doc.querySelectorAll(REMOVED)) element.remove();
   quietLinks(doc);
   quietImages(doc, images);
+  quietStyles(doc);
   withoutHandlers(doc);
   const policy = doc.createElement('meta');
   policy.setAttribute('http-equiv', 'Content-Security-Policy');

@@ -176,10 +176,10 @@ export class MessageView {
         h('td', { class: 'name' }, name, s.status ? h('span', { class: 'note' }, ` (damaged: ${s.status})`) : null),
         h('td', {}, type),
         h('td', { class: 'size', title: `${s.size} bytes` }, formatSize(s.size)),
-        h('td', { class: 'actions' },
-          embedded ? h('button', { type: 'button', onclick: () => this.openNested(s) }, 'Open') : null,
+        h('td', {}, h('div', { class: 'actions' },
+          embedded ? h('button', { type: 'button', 'aria-label': `Open ${name}`, onclick: () => this.openNested(s) }, 'Open') : null,
           h('button', { type: 'button', 'aria-label': `Download ${name}`, onclick: () => this.save(s, embedded) }, 'Download'),
-          h('button', { type: 'button', 'aria-label': `Properties of ${name}`, onclick: () => this.showProperties(s.index, name) }, 'Properties')));
+          h('button', { type: 'button', 'aria-label': `Properties of ${name}`, onclick: () => this.showProperties(s.index, name) }, 'Properties'))));
     });
     return h('section', { class: 'attachments' }, heading,
       h('table', { id: 'attachments' },

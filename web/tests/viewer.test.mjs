@@ -40,8 +40,10 @@ function sha256(bytes) {
   return createHash('sha256').update(bytes).digest('hex');
 }
 
-async function openPage(options = {}) {
-  const page = await context.newPage(options);
+async function openPage({ viewport, colorScheme } = {}) {
+  const page = await context.newPage();
+  if (viewport) await page.setViewportSize(viewport);
+  if (colorScheme) await page.emulateMedia({ colorScheme });
   await page.goto(`file://${pagePath}`);
   return page;
 }
@@ -116,4 +118,100 @@ test('every corpus sample: listing, summary and downloads as the tool gives them
     }
   }
   await page.close();
+});
+
+// The subject and attachment name of each code-page sample, as
+// web/tests/samples/make_web_samples.cpp writes them, and the id of its
+// code page in the charset table.
+const CODE_PAGES = [
+  { file: 'cp932.tnef', charset: 1, subject: '会議の議事録', name: '議事録.txt' },
+  { file: 'cp936.tnef', charset: 2, subject: '会议纪要', name: '纪要.txt' },
+  { file: 'cp949.tnef', charset: 4, subject: '회의록 요약', name: '회의록.txt' },
+  { file: 'cp950.tnef', charset: 3, subject: '會議記錄', name: '記錄.txt' },
+  { file: 'cp1251.tnef', charset: 6, subject: 'Протокол встречи', name: 'протокол.txt' },
+];
+
+test('text in double-byte and other code pages reads as the tool reads it', async () => {
+  const page = await openPage();
+  for (const sample of CODE_PAGES) {
+    const file = join(samples, sample.file);
+    const listing = run(['list', '--json', file]);
+    assert.equal(listing.summary.subject, sample.subject, `the tool on ${sample.file}`);
+    assert.equal(listing.subfiles[1].name, sample.name, `the tool on ${sample.file}`);
+    await show(page, file);
+    assert.equal(await page.locator('#summary dd[data-field="subject"]').innerText(), sample.subject);
+    assert.equal(await page.locator('#attachments td.name').innerText(), sample.name);
+    assert.equal((await page.locator('#body-text').innerText()).trim(), sample.subject);
+    // Back and forth through the host's conversions, as UTF-8 bytes.
+    const roundTrip = await page.evaluate(async ({ subject, charset }) => {
+      const reader = await window.tnefViewer.loadReader();
+      const encoded = reader.convert(new TextEncoder().encode(subject), 53, charset);
+      return new TextDecoder().decode(reader.convert(encoded, charset, 53));
+    }, sample);
+    assert.equal(roundTrip, sample.subject, sample.file);
+  }
+  await page.close();
+});
+
+test('an HTML body is shown in a sandboxed frame where no script runs and nothing loads', async () => {
+  const page = await openPage();
+  await page.evaluate(() => {
+    window.posted = [];
+    window.addEventListener('message', (event) => window.posted.push(event.data));
+  });
+  await show(page, join(samples, 'hostile.tnef'));
+  const frame = page.frameLocator('#body-frame');
+  assert.equal(await frame.locator('#greeting').innerText(), 'Quarterly figures attached');
+  assert.equal(await page.locator('#body-frame').getAttribute('sandbox'), '');
+  assert.match(await page.locator('#body-frame').getAttribute('srcdoc'), /default-src 'none'/);
+  assert.equal(await frame.locator('script, iframe, [onerror]').count(), 0);
+  await frame.locator('a').click();
+  assert.deepEqual(await page.evaluate(() => window.posted), []);
+  assert.equal(await page.title(), 'TNEF viewer');
+  await page.screenshot({ path: join(root, 'build-web/viewer.png'), fullPage: true });
+
+  await page.click('button:text-is("Plain text")');
+  assert.equal(await page.locator('#body-text').innerText(), 'Quarterly figures attached (text)');
+  await page.click('button:text-is("MAPI properties of the message")');
+  const subject = page.locator('.property-table tr', { hasText: 'PR_SUBJECT' });
+  assert.match(await subject.innerText(), /0x0037001E\s+PR_SUBJECT\s+text8\s+Figures <b>bold<\/b> & more/);
+  await page.fill('#tag-lookup', '0x37050003');
+  await page.click('button:text-is("Look up")');
+  assert.equal(await page.locator('.properties [role="status"]').innerText(), 'No property 0x37050003.');
+  await page.close();
+});
+
+test('a mail carrying a winmail.dat; an embedded message opens in place and back', async () => {
+  const page = await openPage();
+  await show(page, join(samples, 'hostile.eml'));
+  assert.match(await page.locator('#context').innerText(), /From the mail “Figures” from Ann Smith <ann@example.com>/);
+  assert.equal(await page.locator('#summary dd[data-field="subject"]').innerText(), 'Figures <b>bold</b> & more');
+
+  // The embedded message against the tool's listing of what it extracts.
+  const out = mkdtempSync(join(tmpdir(), 'tnef-viewer-nested-'));
+  const written = run(['extract', '--json', '-C', out, join(samples, 'hostile.tnef')]).written;
+  const inner = run(['list', '--json', written.find((w) => w.index === 2).path]);
+  await page.click('#attachments tr[data-index="2"] button:text-is("Open")');
+  await page.waitForSelector('#trail:not([hidden])');
+  assert.equal(await page.locator('#summary dd[data-field="subject"]').innerText(), inner.summary.subject);
+  assert.deepEqual(await page.$$eval('#attachments tbody tr', (trs) => trs.map((tr) => tr.dataset.name)),
+    inner.subfiles.slice(1).map((s) => s.name));
+  await page.click('#back');
+  assert.equal(await page.locator('#summary dd[data-field="subject"]').innerText(), 'Figures <b>bold</b> & more');
+  await page.close();
+});
+
+test('on a phone-sized screen in the dark scheme, nothing scrolls sideways', async () => {
+  const page = await openPage({ viewport: { width: 360, height: 740 }, colorScheme: 'dark' });
+  await page.keyboard.press('Tab');
+  assert.equal(await page.evaluate(() => document.activeElement.id), 'choose');
+  await show(page, join(samples, 'hostile.tnef'));
+  assert.equal(await page.evaluate(() => document.documentElement.scrollWidth <= window.innerWidth), true);
+  assert.equal(await page.evaluate(() => getComputedStyle(document.body).backgroundColor), 'rgb(23, 23, 26)');
+  await page.screenshot({ path: join(root, 'build-web/viewer-phone-dark.png'), fullPage: true });
+  await page.close();
+});
+
+test('the page made no request after it loaded', () => {
+  assert.deepEqual(requests, []);
 });
