@@ -75,6 +75,7 @@ async function openFile(file) {
   byId('context').replaceChildren();
   const progress = byId('progress');
   try {
+    performance.mark('tnef-start');
     status(`Reading ${file.name}…`);
     const bytes = await readFile(file, (done, total) => {
       show(progress);

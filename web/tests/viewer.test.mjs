@@ -13,6 +13,7 @@ import { dirname, join, resolve } from 'node:path';
 import { after, before, test } from 'node:test';
 import { fileURLToPath } from 'node:url';
 import { chromium } from 'playwright-core';
+import { CHROMIUM } from './chromium.mjs';
 
 const root = resolve(dirname(fileURLToPath(import.meta.url)), '../..');
 const buildDir = resolve(root, process.env.TNEF_BUILD || 'build');
@@ -20,11 +21,6 @@ const corpus = resolve(root, process.env.TNEF_CORPUS || '../shared/corpus');
 const pagePath = join(root, 'build-web/tnef-viewer.html');
 const samples = join(root, 'build-web/samples');
 const tool = join(buildDir, 'cli/tnef-reader');
-
-// Chromium as the machine has it, with nothing running in the background
-// that could reach the network on its own.
-export const CHROMIUM_ARGS = ['--headless', '--no-sandbox', '--disable-gpu', '--disable-quic',
-  '--no-first-run', '--disable-background-networking', '--disable-component-update', '--disable-sync'];
 
 let browser;
 let context;
@@ -64,8 +60,7 @@ before(async () => {
   mkdirSync(samples, { recursive: true });
   const made = spawnSync(join(buildDir, 'web/tests/samples/make-web-samples'), [samples], { encoding: 'utf8' });
   assert.equal(made.status, 0, made.stderr);
-  // Playwright gives every launch a fresh profile of its own.
-  browser = await chromium.launch({ executablePath: '/usr/bin/chromium', args: CHROMIUM_ARGS });
+  browser = await chromium.launch(CHROMIUM);
   context = await browser.newContext({ acceptDownloads: true });
   // Every request after the page itself: none may happen.
   context.on('request', (request) => {
