@@ -150,7 +150,12 @@ bool nameFromLongFileName(TnefContainer* container, TnefObject* object) {
         return true;
     }
     if (MetaElement* name8 = takeText(container, object, kTagLongFileName8)) {
-        object->name = duplicateBounded(container, bytesOf(name8), name8->size);
+        // The stored text need not end in a terminator: the host duplicates
+        // a terminated copy of it.
+        if (char* text = duplicateBounded(container, bytesOf(name8), name8->size)) {
+            object->name = container->host->hostDuplicateString(container->host, text);
+            allocator->free(allocator, text);
+        }
         tnefFreeElement(allocator, name8);
         return true;
     }

@@ -137,12 +137,14 @@ int runProps(const PropsOptions& options) {
         report["properties"] = linesJson(session, lines, charset);
         printJson(report);
     } else {
-        warnDamaged(options.file, input);
-        if (status != kTnefOk) printError(options.file, "metadata query: " + statusText(status));
         if (tags.empty() && elements.empty() && status == kTnefOk) {
             std::printf("subfile %d has no summary; ask for properties with --tag\n", index);
         }
         printLines(session, lines, charset);
+        // The report's lines come whole before any warning, also where both
+        // streams go to one place.
+        warnDamaged(options.file, input);
+        if (status != kTnefOk) printError(options.file, "metadata query: " + statusText(status));
     }
     return input.error || status != kTnefOk ? kExitPartial : kExitOk;
 }

@@ -7,6 +7,7 @@
 namespace tnefcli {
 
 void printError(const std::string& file, const std::string& what) {
+    std::fflush(stdout);  // what stdout holds so far comes first
     std::fprintf(stderr, "tnef-reader: %s: %s\n", displayName(file).c_str(), what.c_str());
 }
 

@@ -46,14 +46,17 @@ int32_t readStream(IoObject* stream, void* buffer, int32_t count) {
     return got < 0 ? 0 : got;
 }
 
-// Reads the storage's current stream into the descriptor buffer; the count
-// of bytes read, 0 when nothing came. Always releases the stream.
-int32_t readDescriptor(OleInterface* ole, void* storage, uint8_t* buffer) {
+// Reads the storage's current stream into the descriptor buffer and, when
+// bytes came, hands them to `parse` while the stream is still open; then
+// releases the stream. Gives the count of bytes read, 0 when nothing came.
+template <typename Parse>
+int32_t readDescriptor(OleInterface* ole, void* storage, uint8_t* buffer, Parse parse) {
     int32_t count = 0;
     IoObject* stream = ole->openStream(storage);
     if (stream != nullptr) {
         if (stream->open != nullptr && stream->open(stream) != 0) {
             count = readStream(stream, buffer, kDescriptorBytes);
+            if (count > 0) parse(count);
             if (stream->close != nullptr) stream->close(stream);
         }
         ole->closeStream(storage);
@@ -68,19 +71,20 @@ void readDescriptors(HostContext* host, HostAllocator* allocator, OleInterface* 
                      uint8_t* buffer, ExtractRequest* request, int32_t* startOffset,
                      int32_t* payloadSize) {
     if (ole->findStream(storage, kCompObj) != 0) {
-        int32_t count = readDescriptor(ole, storage, buffer);
-        if (count > 0) oleProcessCompObjStream(host, buffer, count, startOffset);
+        readDescriptor(ole, storage, buffer, [&](int32_t count) {
+            oleProcessCompObjStream(host, buffer, count, startOffset);
+        });
     } else if (ole->findStream(storage, kAttachDesc) != 0) {
-        int32_t count = readDescriptor(ole, storage, buffer);
-        if (count > 0) oleProcessAttachDescStream(host, allocator, buffer, count, &request->subfileName);
+        readDescriptor(ole, storage, buffer, [&](int32_t count) {
+            oleProcessAttachDescStream(host, allocator, buffer, count, &request->subfileName);
+        });
         *startOffset = 0;
     }
     if (*startOffset < 0 && ole->findStream(storage, kOle10Native) != 0) {
-        int32_t count = readDescriptor(ole, storage, buffer);
-        if (count > 0) {
+        readDescriptor(ole, storage, buffer, [&](int32_t count) {
             oleProcessOle10NativeStream(host, allocator, buffer, count, startOffset, payloadSize,
                                         &request->subfileName);
-        }
+        });
     }
     if (*startOffset < 0) *startOffset = 0;
 }
@@ -181,14 +185,13 @@ int32_t readLink(HostContext* host, HostAllocator* allocator, OleInterface* ole,
                  uint8_t* buffer, ExtractRequest* request) {
     int32_t status = kTnefNoName;
     if (ole->findStream(storage, kOleLink) != 0) {
-        int32_t count = readDescriptor(ole, storage, buffer);
-        if (count > 0) {
+        readDescriptor(ole, storage, buffer, [&](int32_t count) {
             status = oleProcessOleStream(host, allocator, buffer, count, 1, &request->subfileName,
                                          &request->subfilePath);
-            if (status == kTnefOk) {
-                request->resultFlags &= ~static_cast<uint32_t>(kTnefResultLinked);
-                request->resultFlags |= kTnefResultOleLink;
-            }
+        });
+        if (status == kTnefOk) {
+            request->resultFlags &= ~static_cast<uint32_t>(kTnefResultLinked);
+            request->resultFlags |= kTnefResultOleLink;
         }
     }
     return status;
@@ -223,12 +226,13 @@ int32_t oleExtractSubFileFromOleStream(HostContext* host, HostAllocator* allocat
     const char* mainStream = findMainStream(ole, storage);
     if (mainStream == nullptr) {
         int32_t status = readLink(host, allocator, ole, storage, descriptor, request);
-        ole->closeStorage(storage);
         if (status == kTnefOk) {
+            ole->closeStorage(storage);
             memset(request->detectedFormat, 0, sizeof request->detectedFormat);
             return kTnefOk;
         }
         oleLogLine(host, kFailedMainStream);
+        ole->closeStorage(storage);
         return copyWholeObject(tempIo, outputIo);
     }
 

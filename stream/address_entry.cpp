@@ -17,10 +17,10 @@ int32_t tnefMeasureText(const uint8_t* bytes, int32_t length, bool wide) {
     return measured;
 }
 
-TnefEntryText tnefEntryText(const uint8_t* bytes, int32_t length, uint32_t type, bool wide) {
+TnefEntryText tnefEntryText(const uint8_t* bytes, int32_t length, bool wide, bool widen) {
     TnefEntryText text;
     text.bytes = bytes;
-    text.widen = wide && type == kPtString8 ? 1 : 0;
+    text.widen = wide && widen ? 1 : 0;
     text.measured = tnefMeasureText(bytes, length, wide && text.widen == 0);
     return text;
 }

@@ -17,11 +17,11 @@ struct TnefEntryText {
 // pair at an even offset, an even number that leaves out a lone last byte.
 int32_t tnefMeasureText(const uint8_t* bytes, int32_t length, bool wide);
 
-// A value of MAPI type `type` (multi-value flag removed) prepared for an
-// entry of the given form. An 8-bit string in a 16-bit entry is measured as
-// 8-bit text and widened, so that the entry stays readable; every other value
-// is taken in the entry's own form.
-TnefEntryText tnefEntryText(const uint8_t* bytes, int32_t length, uint32_t type, bool wide);
+// A text prepared for an entry of the given form. With `widen`, its bytes
+// are 8-bit text, measured as such and each written as a 16-bit unit of a
+// 16-bit entry; otherwise the text is measured and taken in the entry's own
+// form.
+TnefEntryText tnefEntryText(const uint8_t* bytes, int32_t length, bool wide, bool widen);
 
 // Bytes a text takes inside an entry; 0 for a missing text. Saturating.
 int32_t tnefEntryTextSize(const TnefEntryText& text);

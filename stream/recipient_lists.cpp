@@ -8,6 +8,7 @@
 #include "reader/strings.h"
 #include "stream/address_entry.h"
 #include "stream/message_summary.h"
+#include "stream/property_block.h"
 
 namespace {
 
@@ -50,7 +51,7 @@ int32_t widenList(TnefRecipientLists* lists, TnefRecipientList* list) {
 
 TnefEntryText entryTextOf(const TnefRecipientText& text, bool wide) {
     if (text.bytes == nullptr) return TnefEntryText{nullptr, 0, 0};
-    return tnefEntryText(text.bytes, text.length, text.type, wide);
+    return tnefEntryText(text.bytes, text.length, wide, text.type == kPtString8);
 }
 
 }  // namespace

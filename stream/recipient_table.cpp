@@ -129,17 +129,19 @@ int32_t readRow(TableReader& reader, int32_t index) {
                                row.address);
 }
 
-// The rows to walk. A payload too short to hold the row count has no rows.
-// Every row takes at least the 4 bytes of its property count, so a count
-// beyond what the data can hold announces rows that aren't there: those
-// rows would have no properties and, one after the other, change nothing
-// beyond what the first of them does (an empty To list in 8-bit form). The
-// walk therefore takes the rows the data can hold plus one that stands for
-// all the missing ones, and the lists' spare room is worked out from that
-// number rather than from a count no data backs.
-int32_t rowsToWalk(TnefBlockCursor& cursor) {
-    if (!cursor.needs(4)) return 0;
-    auto announced = static_cast<int32_t>(cursor.take32());
+// The row count R as the table gives it; 0 for a payload too short to hold
+// it. The lists' spare room is worked out from this number as it stands.
+int32_t announcedRows(TnefBlockCursor& cursor) {
+    return cursor.needs(4) ? static_cast<int32_t>(cursor.take32()) : 0;
+}
+
+// The rows to walk. Every row takes at least the 4 bytes of its property
+// count, so a count beyond what the data can hold announces rows that aren't
+// there: those rows would have no properties and, one after the other,
+// change nothing beyond what the first of them does (an empty To list in
+// 8-bit form). The walk therefore takes the rows the data can hold plus one
+// that stands for all the missing ones.
+int32_t rowsToWalk(const TnefBlockCursor& cursor, int32_t announced) {
     if (announced <= 0) return 0;
     uint64_t fitting = (cursor.length - cursor.offset) / 4;
     if (static_cast<uint64_t>(announced) > fitting) return static_cast<int32_t>(fitting + 1);
@@ -165,8 +167,9 @@ int32_t tnefBuildRecipientLists(TnefContainer* container, HostAllocator* allocat
     TableReader reader{container, TnefBlockCursor{table, static_cast<uint64_t>(got), 0,
                                                   message->recipTablePos},
                        TnefRecipientLists{allocator, 0, 0, 0, {}}};
-    int32_t rows = rowsToWalk(reader.cursor);
-    reader.lists.growth = tnefRecipientGrowth(rows);
+    int32_t announced = announcedRows(reader.cursor);
+    reader.lists.growth = tnefRecipientGrowth(announced);
+    int32_t rows = rowsToWalk(reader.cursor, announced);
     int32_t status = kTnefOk;
     for (int32_t r = 0; r < rows && status == kTnefOk; ++r) status = readRow(reader, r);
     if (status == kTnefOk) status = tnefPublishRecipientLists(container, &reader.lists, message);

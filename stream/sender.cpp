@@ -48,13 +48,15 @@ SenderValue readRowValue(TnefContainer* container, HostAllocator* allocator,
     return value;
 }
 
-// A value as it goes into the sender text. Once a 16-bit property has made
-// the text 16-bit, an 8-bit string among the sender properties is widened
-// byte by byte instead of being read as pairs, so that a mixed message still
-// shows a readable sender.
-TnefEntryText entryTextOf(const SenderValue& value, bool wide) {
+// A value as it goes into the sender text. The wide flag, whichever row
+// raised it, makes the text 16-bit, and 8-bit sender values are then read
+// as pairs. Only when the name and the address mix the two forms is the
+// 8-bit one widened byte by byte instead, so that such a sender stays
+// readable.
+TnefEntryText entryTextOf(const SenderValue& value, const SenderValue& other, bool wide) {
     if (value.bytes == nullptr) return TnefEntryText{nullptr, 0, 0};
-    return tnefEntryText(value.bytes, value.length, value.type, wide);
+    bool mixed = value.type == kPtString8 && other.bytes != nullptr && other.type == kPtUnicode;
+    return tnefEntryText(value.bytes, value.length, wide, mixed);
 }
 
 }  // namespace
@@ -77,8 +79,8 @@ int32_t tnefBuildSender(TnefContainer* container, HostAllocator* allocator, Tnef
     // be read: there is no second try with the other row.
     SenderValue nameValue = readRowValue(container, allocator, found[0] ? found[0] : found[1]);
     SenderValue addressValue = readRowValue(container, allocator, found[2] ? found[2] : found[3]);
-    TnefEntryText name = entryTextOf(nameValue, wide);
-    TnefEntryText address = entryTextOf(addressValue, wide);
+    TnefEntryText name = entryTextOf(nameValue, addressValue, wide);
+    TnefEntryText address = entryTextOf(addressValue, nameValue, wide);
 
     int32_t status = kTnefOk;
     if (name.bytes == nullptr && address.bytes == nullptr) {

@@ -103,14 +103,29 @@ TEST(SubfileNaming, MessageWithoutPropertiesHasNoName) {
 }
 
 TEST(SubfileNaming, RefusedCopyLeavesTheObjectUnnamed) {
-    OpenedStream s(message({Prop::string8(kTagSubject8, "s")}));
-    TnefObject* object = objectAt(s.container, 0);
-    s.host.memory().refuseAbove(0);
-    EXPECT_EQ(tnefMakeSubfileName(s.container, object, 0), 6);
-    EXPECT_EQ(object->name, nullptr);
-    s.host.memory().clearFaults();
-    EXPECT_EQ(tnefMakeSubfileName(s.container, object, 0), 0) << "the next call tries again";
-    EXPECT_STREQ(object->name, "s.mail");
+    // A subject stem and an 8-bit long file name: both names are copies the host makes.
+    const struct {
+        Bytes stream;
+        int32_t place;
+        const char* name;
+    } cases[] = {
+        {message({Prop::string8(kTagSubject8, "s")}), 0, "s.mail"},
+        {buildMessage({.attachments = {{.props = {Prop::string8(kTagAttachLongFilename8, "a.txt", false)}}}}),
+         1, "a.txt"},
+    };
+    for (const auto& c : cases) {
+        OpenedStream s(c.stream);
+        TnefObject* object = objectAt(s.container, c.place);
+        HostContext* host = s.host.context();
+        auto duplicate = host->hostDuplicateString;
+        host->hostDuplicateString = [](HostContext*, const char*) -> char* { return nullptr; };
+        EXPECT_EQ(tnefMakeSubfileName(s.container, object, c.place), 6) << c.name;
+        EXPECT_EQ(object->name, nullptr);
+        host->hostDuplicateString = duplicate;
+        EXPECT_EQ(tnefMakeSubfileName(s.container, object, c.place), 0) << "the next call tries again";
+        EXPECT_STREQ(object->name, c.name);
+        EXPECT_EQ(s.close(), "");
+    }
 }
 
 }  // namespace

@@ -42,12 +42,12 @@ Json ToolRun::json() const {
     return parsed;
 }
 
-ToolRun runTool(const std::vector<std::string>& args, const std::string& stdinFile) {
+ToolRun runTool(const std::vector<std::string>& args, const std::string& stdinFile, bool mergeErr) {
     TempDir scratch;
     std::string errPath = scratch / "stderr";
     std::string command = shellQuoted(TNEF_CLI_PATH);
     for (const std::string& arg : args) command += " " + shellQuoted(arg);
-    command += " <" + shellQuoted(stdinFile.empty() ? "/dev/null" : stdinFile) + " 2>" + shellQuoted(errPath);
+    command += " <" + shellQuoted(stdinFile.empty() ? "/dev/null" : stdinFile) + (mergeErr ? " 2>&1" : " 2>" + shellQuoted(errPath));
     ToolRun run;
     std::FILE* pipe = ::popen(command.c_str(), "r");
     if (pipe == nullptr) return run;

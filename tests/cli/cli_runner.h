@@ -21,8 +21,9 @@ struct ToolRun {
 };
 
 // Runs the tool with `args`; standard input from `stdinFile` when given,
-// else from /dev/null.
-ToolRun runTool(const std::vector<std::string>& args, const std::string& stdinFile = "");
+// else from /dev/null. With `mergeErr`, stderr goes into `out` as well.
+ToolRun runTool(const std::vector<std::string>& args, const std::string& stdinFile = "",
+                bool mergeErr = false);
 
 // A fresh folder, removed with everything in it at the end of the scope.
 class TempDir {

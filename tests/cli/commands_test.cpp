@@ -70,6 +70,9 @@ TEST(CliExitCodes, EachKindOfInputEndsWithItsCode) {
         EXPECT_EQ(run.exitCode, c.exitCode) << c.args[0] << " " << (c.args.size() > 1 ? c.args[1] : "")
                                             << "\n" << run.err;
     }
+    // Both streams into one pipe: the report's last line ends before the warning.
+    ToolRun merged = runTool({"props", bad}, "", true);
+    EXPECT_NE(merged.out.find("Priority: -\ntnef-reader: "), std::string::npos) << merged.out;
     if (std::string corpus = corpusDir(); !corpus.empty()) {
         EXPECT_EQ(runTool({"list", corpus + "/invalid-checksum.tnef"}).exitCode, 3);
         EXPECT_EQ(runTool({"extract", corpus + "/invalid-checksum.tnef", "-C", dir / "y"}).exitCode, 3);

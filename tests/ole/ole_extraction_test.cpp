@@ -6,6 +6,7 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
+#include "oleio/ole_interface.h"
 #include "tests/support/cfb_writer.h"
 #include "tests/support/ole_descriptors.h"
 #include "tests/support/reader_fixture.h"
@@ -139,6 +140,45 @@ TEST(OleExtraction, Links) {
     EXPECT_EQ(e.bytes, storage);
     std::vector<std::string> log = extractionLog(s);
     EXPECT_EQ(log, std::vector<std::string>{"Failed to find main OLE stream."});
+}
+
+// The storage library, with closeStream and closeStorage marking the host's
+// log, so that a test sees log lines and closes in their order.
+struct MarkedOle {
+    static inline OleInterface real{};
+    static inline tnefhost::PosixHost* host = nullptr;
+    static int32_t getInterface(OleInterface* table) {
+        GetOLEInterface(&real);
+        *table = real;
+        table->closeStream = [](void* storage) { host->log("closeStream"); real.closeStream(storage); };
+        table->closeStorage = [](void* storage) { host->log("closeStorage"); real.closeStorage(storage); };
+        return 0;
+    }
+};
+
+TEST(OleExtraction, LogLinesComeBeforeTheCloses) {
+    OleLinkBytes linked = oleLinkStream(OleLink{});
+    Bytes noMarker = range(linked.bytes, 0, static_cast<size_t>(linked.markerEnd) - 1);
+    const struct {
+        std::vector<CfbEntryLayout> entries;
+        std::vector<std::string> log;
+    } cases[] = {
+        {{{"\x01" "CompObj", Bytes(8, 0)}, {"Contents", patternBytes(10)}},
+         {"oleProcessCompObjStream(): Not enough data in buffer (while skipping 1st 32 bytes).",
+          "closeStream", "closeStream", "closeStorage"}},
+        {{{"\x01" "Ole", noMarker}},
+         {"oleProcessOleStream(): Not enough data in buffer (while finding 0xDEAD).", "closeStream",
+          "oleExtractSubFileFromOleStream(): Failed to find main OLE stream.", "closeStorage"}},
+    };
+    for (const auto& c : cases) {
+        OpenedStream s(oleMessage(buildCfb(c.entries)));
+        MarkedOle::host = &s.host;
+        s.host.context()->hostGetProcAddress = [](HostContext*, void*, const char*) -> void* {
+            return reinterpret_cast<void*>(&MarkedOle::getInterface);
+        };
+        EXPECT_EQ(extractSubfile(s, 1).status, 0);
+        EXPECT_EQ(s.host.logLines(), c.log);
+    }
 }
 
 TEST(OleExtraction, NotAStorageGoesOutWhole) {

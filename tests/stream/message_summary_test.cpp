@@ -44,9 +44,11 @@ TEST(MessageSummary, SenderText) {
         {{Prop::string8(kTagSubject8, "Hi")}, "null"},
         {{Prop::unicode(kTagSentRepresentingName16, "Al"),
           Prop::unicode(kTagSentRepresentingEmail16, "a@b")}, w16("\"Al\" <a@b>"), true},
-        // An 8-bit text among 16-bit sender properties is widened.
+        // An 8-bit text beside a 16-bit one is widened; all-8-bit sender
+        // texts under a flag raised by another row are read as pairs.
         {{snd, Prop::unicode(kTagSentRepresentingEmail16, "b@x")}, w16("\"Snd\" <b@x>"), true},
-        {{Prop::unicode(kTagSubject16, "S"), snd}, w16("\"Snd\""), true},
+        {{Prop::unicode(kTagSubject16, "S"), snd, sndMail},
+         w16("\"") + std::string("Snd\0", 4) + w16("\" <") + std::string("s@x\0", 4) + w16(">"), true},
         {{snd, sndMail, unreadable}, "<s@x>"},
     };
     for (const auto& c : cases) {

@@ -67,7 +67,8 @@ TEST(RecipientTable, AssemblesListsInBothForms) {
          "\"T1\", \"T4\", \"T5\", \"T0\"|\"C\"|\"B\", \"B2\""},
         {{}, "-|-|-"},
         {{{name8("A")}}, "-|-|-", false, -1},
-        {{{kind(2), name8("C")}}, "|\"C\"|-", false, 0x7FFFFFFF},  // rows beyond the data
+        {{{kind(2), name8("C")}}, "|\"C\"|-", false, 3},  // rows beyond the data
+        {{{kind(2), name8("C")}}, "null|null|null", false, 0x7FFFFFFF},  // its spare room is refused
         {{{name16("Al"), mail16("a@b")}, {name16("B")}}, w16("\"Al\" <a@b>, \"B\"") + "|-|-", true},
         // 16-bit at sign: 40 as a high byte or behind 00 00 doesn't count.
         {{{Prop::raw(kTagEmailAddress16, {Bytes{0, 0x40, 0, 0}}),
@@ -106,7 +107,7 @@ TEST(RecipientTable, BufferSizes) {
         {named(9, "N"), 1024 + 31 + 2},
         {named(10, "N"), 2048 + 31 + 2},
         {named(3, std::string(1000, 'k')), 2006 + 1024 + 1030 + 2},  // grown at the third row
-        {named(1, "N"), 1024 + 31 + 2, 0x7FFFFFFF},  // a row count that no data backs
+        {named(1, "A"), 3105, 25},  // spare room from the row count, not from the rows present
     };
     for (const auto& c : cases) {
         OpenedStream s(withTable(recipientTable(c.rows, c.rowCount)));
