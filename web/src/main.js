@@ -56,9 +56,15 @@ function back() {
   showTop();
 }
 
-function offerParts(mail, parts) {
+function openPart(part) {
+  closeAll();
+  problem('');
+  openStream(part.bytes, part.name).catch((error) => problem(`Cannot show ${part.name}: ${error.message}`));
+}
+
+function offerParts(parts) {
   const list = h('ul', { class: 'parts' }, parts.map((part, i) => h('li', {},
-    h('button', { type: 'button', onclick: () => { closeAll(); showMailContext(mail, parts); openStream(parts[i].bytes, part.name); } },
+    h('button', { type: 'button', onclick: () => openPart(part) },
       `Open part ${i + 1}: ${part.name} (${formatSize(part.bytes.length)})`))));
   return h('section', { class: 'mail' }, h('p', {}, `This mail carries ${parts.length} TNEF parts.`), list);
 }
@@ -66,7 +72,7 @@ function offerParts(mail, parts) {
 function showMailContext(mail, parts) {
   const line = [mail.subject && `“${mail.subject}”`, mail.from && `from ${mail.from}`].filter(Boolean).join(' ');
   byId('context').replaceChildren(h('p', { class: 'note' }, `From the mail ${line || '(no subject)'}.`),
-    parts.length > 1 ? offerParts(mail, parts) : '');
+    parts.length > 1 ? offerParts(parts) : '');
 }
 
 async function openFile(file) {

@@ -160,6 +160,7 @@ test('an HTML body is shown in a sandboxed frame where no script runs and nothin
   assert.equal(await page.locator('#body-frame').getAttribute('sandbox'), '');
   assert.match(await page.locator('#body-frame').getAttribute('srcdoc'), /default-src 'none'/);
   assert.equal(await frame.locator('script, iframe, [onerror]').count(), 0);
+  assert.match(await frame.locator('#logo').getAttribute('src'), /^data:image\/gif;base64,R0lGODlh/);
   await frame.locator('a').click();
   assert.deepEqual(await page.evaluate(() => window.posted), []);
   assert.equal(await page.title(), 'TNEF viewer');
@@ -176,7 +177,7 @@ test('an HTML body is shown in a sandboxed frame where no script runs and nothin
   await page.close();
 });
 
-test('a mail carrying a winmail.dat; an embedded message opens in place and back', async () => {
+test('a mail carrying TNEF parts; an embedded message opens in place and back', async () => {
   const page = await openPage();
   await show(page, join(samples, 'hostile.eml'));
   assert.match(await page.locator('#context').innerText(), /From the mail “Figures” from Ann Smith <ann@example.com>/);
@@ -193,6 +194,10 @@ test('a mail carrying a winmail.dat; an embedded message opens in place and back
     inner.subfiles.slice(1).map((s) => s.name));
   await page.click('#back');
   assert.equal(await page.locator('#summary dd[data-field="subject"]').innerText(), 'Figures <b>bold</b> & more');
+
+  // The second TNEF part, found by its name and signature.
+  await page.click('button:text-matches("^Open part 2: win.dat")');
+  await page.waitForFunction(() => document.querySelector('#summary dd[data-field="subject"]')?.textContent === 'Inner note');
   await page.close();
 });
 

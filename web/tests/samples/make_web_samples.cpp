@@ -4,8 +4,10 @@
 //   make-web-samples --big MIB FILE  a stream with one attachment of MIB MiB
 //
 // hostile.tnef   an HTML body that tries to run script and load from the
-//                network, a text attachment and an embedded message
-// hostile.eml    the same stream as the winmail.dat of a MIME message
+//                network, with an inline image; a text attachment, an
+//                embedded message and the image
+// hostile.eml    a MIME message with that stream as its winmail.dat, and
+//                the embedded message as a second part, win.dat
 // cp932.tnef ... subject, body and attachment name in a double-byte code page
 #include <iconv.h>
 
@@ -28,7 +30,7 @@ constexpr char kHostileHtml[] =
     "<script>document.title = 'script ran'; parent.postMessage('script ran', '*');"
     "fetch('http://127.0.0.1:9/fetch');</script></head>"
     "<body style=\"background: url(http://127.0.0.1:9/background.png)\">"
-    "<p id=\"greeting\">Quarterly figures attached</p>"
+    "<p id=\"greeting\">Quarterly figures attached</p><img id=\"logo\" src=\"cid:logo@example.com\">"
     "<img src=\"http://127.0.0.1:9/tracker.png\" onerror=\"parent.postMessage('handler ran', '*')\">"
     "<iframe src=\"http://127.0.0.1:9/frame\"></iframe>"
     "<a href=\"javascript:parent.postMessage('link ran', '*')\">link</a>"
@@ -41,6 +43,10 @@ Bytes embeddedMessage() {
                          .attachments = {{.title = "inner.txt", .data = bytesOf("inner file\n"),
                                           .props = {Prop::int32(kTagAttachMethod, 1)}}}});
 }
+
+// A 1x1 GIF, shown inline through its content ID.
+const std::string kPixel("GIF89a\x01\x00\x01\x00\x80\x00\x00\xff\xff\xff\x00\x00\x00,\x00\x00\x00\x00"
+                         "\x01\x00\x01\x00\x00\x02\x02" "D\x01\x00;", 35);
 
 Bytes hostileMessage() {
     return buildMessage(
@@ -56,7 +62,11 @@ Bytes hostileMessage() {
                          {.title = "Inner note",
                           .props = {Prop::int32(kTagAttachMethod, 5),
                                     Prop::raw(kTagAttachDataObject,
-                                              {oleObjectValue(embeddedMessage())})}}}});
+                                              {oleObjectValue(embeddedMessage())})}},
+                         {.title = "logo.gif", .data = bytesOf(kPixel),
+                          .props = {Prop::int32(kTagAttachMethod, 1),
+                                    Prop::string8(0x3712001E, "logo@example.com"),
+                                    Prop::string8(0x370E001E, "image/gif")}}}});
 }
 
 std::string base64(const Bytes& bytes) {
@@ -86,7 +96,10 @@ std::string hostileMail() {
            "--outer\r\nContent-Type: application/ms-tnef; name=\"winmail.dat\"\r\n"
            "Content-Transfer-Encoding: base64\r\n"
            "Content-Disposition: attachment; filename=\"winmail.dat\"\r\n\r\n" +
-           base64(hostileMessage()) + "\r\n--outer--\r\n";
+           base64(hostileMessage()) +
+           "\r\n--outer\r\nContent-Type: application/octet-stream; name=\"win.dat\"\r\n"
+           "Content-Transfer-Encoding: base64\r\n\r\n" +
+           base64(embeddedMessage()) + "\r\n--outer--\r\n";
 }
 
 // UTF-8 text in a Windows code page, through glibc's iconv.
