@@ -115,6 +115,26 @@ test('every corpus sample: listing, summary and downloads as the tool gives them
   await page.close();
 });
 
+// The text a person sees of the body shown: the frame's, or the text view's.
+async function shownBody(page) {
+  if (await page.locator('#body-frame').count()) return page.frameLocator('#body-frame').locator('body').innerText();
+  return page.locator('#body-text').innerText();
+}
+
+test('HTML- and RTF-bodied corpus messages show their words', async (t) => {
+  if (!existsSync(corpus)) {
+    t.skip(`no corpus at ${corpus}`);
+    return;
+  }
+  const page = await openPage();
+  for (const [file, words] of [['body.tnef', 'Amendments 1-10 of the Constitution'],
+    ['rtf.tnef', 'Senior Engineer/QADirector Team']]) {
+    await show(page, join(corpus, file));
+    assert.ok((await shownBody(page)).includes(words), file);
+  }
+  await page.close();
+});
+
 // The subject and attachment name of each code-page sample, as
 // web/tests/samples/make_web_samples.cpp writes them, and the id of its
 // code page in the charset table.
