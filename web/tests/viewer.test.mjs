@@ -225,7 +225,15 @@ test('on a phone-sized screen in the dark scheme, nothing scrolls sideways', asy
   const page = await openPage({ viewport: { width: 360, height: 740 }, colorScheme: 'dark' });
   await page.keyboard.press('Tab');
   assert.equal(await page.evaluate(() => document.activeElement.id), 'choose');
-  await show(page, join(samples, 'hostile.tnef'));
+  // Dropped on the page this time.
+  const bytes = [...readFileSync(join(samples, 'hostile.tnef'))];
+  const dropped = await page.evaluateHandle((bytes) => {
+    const transfer = new DataTransfer();
+    transfer.items.add(new File([new Uint8Array(bytes)], 'hostile.tnef'));
+    return transfer;
+  }, bytes);
+  await page.dispatchEvent('main', 'drop', { dataTransfer: dropped });
+  await page.waitForFunction(() => document.getElementById('status').textContent === 'Showing hostile.tnef.');
   assert.equal(await page.evaluate(() => document.documentElement.scrollWidth <= window.innerWidth), true);
   assert.equal(await page.evaluate(() => getComputedStyle(document.body).backgroundColor), 'rgb(23, 23, 26)');
   await page.screenshot({ path: join(root, 'build-web/viewer-phone-dark.png'), fullPage: true });
