@@ -10,6 +10,7 @@
 #include "tests/support/lzfu_compressor.h"
 #include "tests/support/ole_descriptors.h"
 #include "tests/support/rich_streams.h"
+#include "tests/support/rtf_documents.h"
 
 namespace {
 
@@ -38,6 +39,24 @@ std::vector<Bytes> rtfSeeds() {
             storeRtfUncompressed(sampleRtfText(3, 100)), compressRtf({}), bytesOf("{\\rtf1 short}")};
 }
 
+std::vector<Bytes> rtfReaderSeeds() {
+    using namespace tneftest;
+    std::vector<Bytes> seeds;
+    for (RtfKind kind : {RtfKind::kHtmlEncapsulated, RtfKind::kTextHeavy, RtfKind::kFormatHeavy}) {
+        seeds.push_back(bytesOf(rtfDocument(kind, 3000)));
+    }
+    for (const char* document : {
+             "{\\rtf1\\ansi\\fromtext \\deff0{\\fonttbl{\\f0 A;}}Hi\\par there\\line x}",
+             "{\\rtf1\\ansi\\ansicpg932{\\fonttbl{\\f1\\fcharset204 B;}}\\'82\\'a0\\'83e\\f1\\'c0"
+             "\\uc2\\u-10179\\'3f\\'3f\\u-8704??{\\upr{a}{\\*\\ud{b}}}\\ansicpg65001 \\'e2\\'82\\'ac}",
+             "{\\rtf1{\\field{\\*\\fldinst HYPERLINK \\\\l \"x\"}{\\fldrslt{\\b link}}}{\\pntext 1.\\tab}"
+             "\\trowd\\cellx1\\pard\\intbl a\\cell\\row{\\pict\\bin4 {}{}}\\v hidden}",
+         }) {
+        seeds.push_back(bytesOf(document));
+    }
+    return seeds;
+}
+
 std::vector<Bytes> descriptorSeeds() {
     using namespace tneftest;
     return {compObjStream("Package"), compObjStream("Acrobat Document", false),
@@ -64,6 +83,7 @@ int main(int argc, char** argv) {
     fs::path root = argv[1];
     writeSeeds(root / "module", moduleSeeds());
     writeSeeds(root / "rtf_decoder", rtfSeeds());
+    writeSeeds(root / "rtf_readers", rtfReaderSeeds());
     writeSeeds(root / "ole_descriptors", descriptorSeeds());
     writeSeeds(root / "compound_file", compoundFileSeeds());
     return 0;

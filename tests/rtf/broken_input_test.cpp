@@ -1,0 +1,88 @@
+// Documents that are cut short, unbalanced, nested too deep or no RTF at
+// all, inputs and outputs that fail: each gives what was read and a status
+// that says what happened.
+#include <gtest/gtest.h>
+
+#include "host/io_objects.h"
+#include "rtf/io_object_adapters.h"
+#include "tests/rtf/rtf_support.h"
+
+namespace {
+
+using tnefrtf::ConversionStatus;
+using tnefrtf::OutputForm;
+
+TEST(BrokenInput, WhatWasReadAndAStatus) {
+    const std::string deep = "{\\rtf1 a" + std::string(300, '{') + "b" + std::string(300, '}') + "c}";
+    const std::string nested = "{\\rtf1 a" + std::string(250, '{') + "b" + std::string(250, '}') + "c}";
+    struct Case { std::string rtf; std::string text; ConversionStatus status; };
+    const Case cases[] = {
+        {"{\\rtf1 abc", "abc", ConversionStatus::kTruncated},
+        {"{\\rtf1 a{\\b b\\pa", "ab", ConversionStatus::kTruncated},
+        {"{\\rtf1\\ansicpg932 a\\'82", "a\uFFFD", ConversionStatus::kTruncated},
+        {"{\\rtf1\\u-10179", "\uFFFD", ConversionStatus::kTruncated},
+        {"{\\rtf1{\\field{\\*\\fldinst HYPERLINK x}{\\fldrslt y", "y", ConversionStatus::kTruncated},
+        {"{\\rtf1 a}}b{c}", "a", ConversionStatus::kComplete},  // nothing after the document counts
+        {"{\\rtf1 a{\\*\\blip\\bin3 }{}}b}", "ab", ConversionStatus::kComplete},
+        {nested, "abc", ConversionStatus::kComplete},
+        {deep, "ac", ConversionStatus::kComplete},  // beyond the depth bound groups hold nothing
+        {"\xef\xbb\xbf{\\RTF1 x}", "x", ConversionStatus::kNotRtf},
+        {"plain text", "", ConversionStatus::kNotRtf},
+        {"", "", ConversionStatus::kNotRtf},
+    };
+    for (const Case& c : cases) {
+        for (OutputForm form : {OutputForm::kText, OutputForm::kHtml}) {
+            rtftest::Converted converted = rtftest::convert(c.rtf, form);
+            EXPECT_EQ(converted.result.status, c.status) << c.rtf;
+            EXPECT_EQ(converted.result.bytesRead, c.rtf.size());
+            if (form == OutputForm::kText) {
+                EXPECT_EQ(converted.output, c.text) << c.rtf;
+            } else {
+                EXPECT_NE(converted.output.find("</html>"), std::string::npos) << c.rtf;
+            }
+        }
+    }
+}
+
+// A sink that takes a number of writes, then refuses.
+class FailingSink final : public tnefrtf::OutputSink {
+public:
+    explicit FailingSink(int writes) : writesLeft_(writes) {}
+    bool write(std::string_view) override { return writesLeft_-- > 0; }
+
+private:
+    int writesLeft_;
+};
+
+TEST(BrokenInput, FailingInputsAndOutputs) {
+    // Enough text for several reads of the input and writes of the output.
+    std::string body;
+    for (int i = 0; i < 40000; ++i) body += "word\\par ";
+    const std::string rtf = "{\\rtf1 " + body + "}";
+    struct Case { uint64_t failRead; int sinkWrites; bool ioOutput; ConversionStatus status; };
+    const Case cases[] = {
+        {0, 1000, false, ConversionStatus::kComplete},
+        {0, 1000, true, ConversionStatus::kComplete},
+        {2, 1000, false, ConversionStatus::kInputFailed},
+        {0, 1, false, ConversionStatus::kOutputFailed},
+        {2, 0, false, ConversionStatus::kOutputFailed},
+    };
+    for (const Case& c : cases) {
+        tnefhost::MemoryIo input(std::vector<uint8_t>(rtf.begin(), rtf.end()));
+        input.io()->open(input.io());
+        if (c.failRead != 0) input.failOperation(tnefhost::IoOp::kRead, c.failRead);
+        tnefhost::MemoryIo outputIo;
+        outputIo.io()->open(outputIo.io());
+        tnefrtf::IoObjectSink ioSink(outputIo.io());
+        FailingSink failingSink(c.sinkWrites);
+        tnefrtf::OutputSink& sink = c.ioOutput ? static_cast<tnefrtf::OutputSink&>(ioSink) : failingSink;
+        tnefrtf::ConversionResult result = tnefrtf::convertRtf(input.io(), OutputForm::kText, sink);
+        EXPECT_EQ(result.status, c.status) << c.failRead << " " << c.sinkWrites;
+        EXPECT_EQ(result.bytesRead == rtf.size(), c.status == ConversionStatus::kComplete);
+        EXPECT_EQ(outputIo.text().size(), c.ioOutput ? 40000u * 6 : 0u);
+    }
+    tnefrtf::StringSink sink;
+    EXPECT_EQ(tnefrtf::convertRtf(nullptr, OutputForm::kText, sink).status, ConversionStatus::kInputFailed);
+}
+
+}  // namespace
