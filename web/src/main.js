@@ -46,8 +46,9 @@ async function openStream(bytes, label) {
   showTop();
 }
 
-function openNested(bytes, label) {
-  openStream(bytes, label).catch((error) => problem(`Cannot open the embedded message: ${error.message}`));
+function openNested(parent, index, label) {
+  trail.push({ stream: parent.reader.openEmbedded(parent, index, label), label });
+  showTop();
 }
 
 function back() {

@@ -3,12 +3,10 @@
 import { frameDocument, declaredCharset } from './body.js';
 import { download, formatSize, formatTime, h } from './dom.js';
 import { KNOWN_TAGS, parseTag, propertyName } from './properties.js';
-import { CHARSET_UTF8, OMIT_HEADER, PREFER_STORED_BODY, RESULT_CHARSET_CONVERTED } from './reader.js';
+import { CHARSET_UTF8, RESULT_CHARSET_CONVERTED } from './reader.js';
 
-const TAG_ATTACH_METHOD = 0x37050003;
 const TAG_CONTENT_ID = [0x3712001e, 0x3712001f];
 const TAG_MIME_TAG = [0x370e001e, 0x370e001f];
-const EMBEDDED_MESSAGE = 5;
 // Inline images larger than this are left out of the body.
 const LARGEST_INLINE_IMAGE = 8 * 1024 * 1024;
 
@@ -21,12 +19,13 @@ function utf8(bytes, fatal = false) {
   return new TextDecoder('utf-8', { fatal }).decode(bytes);
 }
 
-// Body bytes as text: UTF-8 when the module converted them, else in the
+// Body bytes as text: UTF-8 when the module converted them or the RTF
+// readers made them, else in the
 // charset an HTML body names, else UTF-8 if they are, else the message's
 // charset through the host's conversions.
 function bodyText(result, stream) {
   const { bytes, info } = result;
-  if (info.resultFlags & RESULT_CHARSET_CONVERTED) return utf8(bytes);
+  if (info.readable || info.resultFlags & RESULT_CHARSET_CONVERTED) return utf8(bytes);
   const label = info.form === 'html' ? declaredCharset(bytes) : null;
   if (label) {
     try {
@@ -44,12 +43,19 @@ function bodyText(result, stream) {
   }
 }
 
-// The forms the body comes in: {html, text, rtf}, each {bytes, info}.
+// The forms the body comes in: {html, text, rtf}, each {bytes, info}. An
+// RTF body is also made readable, as HTML and as text, where the message
+// has no such body of its own.
 function bodyForms(stream, index) {
   const forms = {};
-  for (const flags of [OMIT_HEADER | PREFER_STORED_BODY, OMIT_HEADER]) {
-    const result = stream.extract(index, flags, CHARSET_UTF8);
-    if (result.bytes.length > 0 && !forms[result.info.form]) forms[result.info.form] = result;
+  for (const stored of [true, false]) {
+    const result = stream.extract(index, { stored, charset: CHARSET_UTF8 });
+    if (result.bytes.length > 0 && !forms[result.info.form]) forms[result.info.form] = { ...result, stored };
+  }
+  if (forms.rtf) {
+    for (const readable of ['html', 'text']) {
+      forms[readable] ||= stream.extract(index, { stored: forms.rtf.stored, charset: CHARSET_UTF8, readable });
+    }
   }
   return forms;
 }
@@ -60,7 +66,7 @@ function valueText(property) {
 }
 
 export class MessageView {
-  // `actions.openNested(bytes, name)` opens an embedded message;
+  // `actions.openNested(stream, index, name)` opens an embedded message;
   // `actions.status(text)` tells the user what happened.
   constructor(stream, actions) {
     this.stream = stream;
@@ -68,7 +74,6 @@ export class MessageView {
     this.listing = stream.listing();
     this.subfiles = this.listing.subfiles || [];
     this.messageIndex = this.subfiles.findIndex((s) => s.type === 'message');
-    this.methods = new Map();
   }
 
   render() {
@@ -131,8 +136,7 @@ export class MessageView {
         referrerpolicy: 'no-referrer', srcdoc: frameDocument(text, (id) => this.inlineImage(id)),
       });
     }
-    const note = form === 'rtf'
-      ? h('p', { class: 'note' }, 'The body is stored as RTF only; shown here as it is stored.') : null;
+    const note = form === 'rtf' ? h('p', { class: 'note' }, 'The body as it is stored, in RTF.') : null;
     return h('div', {}, note, h('pre', { class: 'text-body', id: 'body-text', tabindex: '0' }, text));
   }
 
@@ -156,21 +160,13 @@ export class MessageView {
     return this.subfiles.filter((s, i) => i !== this.messageIndex && s.type !== 'root');
   }
 
-  attachMethod(index) {
-    if (!this.methods.has(index)) {
-      const found = this.stream.properties(index, [TAG_ATTACH_METHOD]).properties[0];
-      this.methods.set(index, found ? Number(found.value) : null);
-    }
-    return this.methods.get(index);
-  }
-
   renderAttachments() {
     const attachments = this.attachments();
     const heading = h('h2', {}, `Attachments (${attachments.length})`);
     if (!attachments.length) return h('section', { class: 'attachments' }, heading, h('p', { class: 'note' }, 'None.'));
     const rows = attachments.map((s) => {
       const name = s.name ?? `subfile-${s.index}`;
-      const embedded = this.attachMethod(s.index) === EMBEDDED_MESSAGE;
+      const embedded = Boolean(s.embedded);
       const type = embedded ? 'message' : s.type === 'ole' ? 'OLE object' : 'file';
       return h('tr', { dataset: { index: s.index, name: s.name ?? '', size: s.size, type: s.type } },
         h('td', { class: 'name' }, name, s.status ? h('span', { class: 'note' }, ` (damaged: ${s.status})`) : null),
@@ -200,8 +196,7 @@ export class MessageView {
   }
 
   openNested(subfile) {
-    const { bytes } = this.stream.extract(subfile.index);
-    this.actions.openNested(bytes, subfile.name || `subfile-${subfile.index}`);
+    this.actions.openNested(this.stream, subfile.index, subfile.name || `subfile-${subfile.index}`);
   }
 
   showProperties(index, label) {

@@ -3,9 +3,7 @@
 import createTnefModule from 'tnef-module';
 import wasmBase64 from 'tnef-wasm';
 
-// Extract flags and charsets of reader/host.h.
-export const OMIT_HEADER = 2;
-export const PREFER_STORED_BODY = 4;
+// Bits of an extraction's resultFlags and charsets of reader/host.h.
 export const RESULT_CHARSET_CONVERTED = 4;
 export const CHARSET_UTF8 = 53;
 
@@ -41,10 +39,12 @@ class Reader {
     const fn = (name, result, args) => module.cwrap(name, result, args);
     this.api = {
       open: fn('tnefViewerOpen', 'number', ['string']),
+      openEmbedded: fn('tnefViewerOpenEmbedded', 'number', ['number', 'number']),
       close: fn('tnefViewerClose', null, ['number']),
       listing: fn('tnefViewerListing', 'string', ['number']),
       properties: fn('tnefViewerProperties', 'string', ['number', 'number', 'number', 'number']),
       extract: fn('tnefViewerExtract', 'string', ['number', 'number', 'number', 'number']),
+      readableRtf: fn('tnefViewerReadableRtf', 'string', ['number', 'number']),
       extractedBytes: fn('tnefViewerExtractedBytes', 'number', ['number']),
       releaseExtracted: fn('tnefViewerReleaseExtracted', null, ['number']),
       convert: fn('tnefViewerConvert', 'number', ['number', 'number', 'number', 'number']),
@@ -61,6 +61,11 @@ class Reader {
     FS.write(file, bytes, 0, bytes.length, 0, true);
     FS.close(file);
     return new TnefStream(this, this.api.open(path), path, name);
+  }
+
+  // The embedded message at `index` of `parent`, as a stream of its own.
+  openEmbedded(parent, index, name) {
+    return new TnefStream(this, this.api.openEmbedded(parent.handle, index), null, name);
   }
 
   // Text of `bytes` in charset `from` converted to charset `to` by the
@@ -107,10 +112,17 @@ class TnefStream {
     }
   }
 
-  // Subfile `index` as the module extracts it: {info, bytes}.
-  extract(index, flags = 0, charset = 0) {
+  // Subfile `index` as the module extracts it: {info, bytes}. A message
+  // comes in the module's order of bodies (text first), or with `stored`
+  // its stored HTML or RTF body first; `readable` ('html' or 'text') makes
+  // an RTF body readable.
+  extract(index, { stored = false, charset = 0, readable = null } = {}) {
     const { module, api } = this.reader;
-    const info = JSON.parse(api.extract(this.handle, index, flags, charset));
+    let info = JSON.parse(api.extract(this.handle, index, stored ? 1 : 0, charset));
+    if (readable && info.form === 'rtf') {
+      info = { ...info, form: readable, readable: JSON.parse(api.readableRtf(this.handle, readable === 'html' ? 1 : 0)) };
+      info.size = info.readable.size;
+    }
     const at = api.extractedBytes(this.handle);
     const bytes = module.HEAPU8.slice(at, at + info.size);
     api.releaseExtracted(this.handle);
@@ -119,6 +131,6 @@ class TnefStream {
 
   close() {
     this.reader.api.close(this.handle);
-    this.reader.module.FS.unlink(this.path);
+    if (this.path) this.reader.module.FS.unlink(this.path);
   }
 }

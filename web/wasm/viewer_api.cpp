@@ -1,10 +1,12 @@
 // The entry points the page calls (through cwrap). A stream is opened from a
 // file of the page's memory file system, by the tool's own session code with
 // a host whose OLE library is linked in; listings and properties come back
-// as JSON in the tool's form (list --json), extracted subfiles as bytes.
+// as JSON in the tool's form (list --json), extracted subfiles as bytes, RTF
+// bodies made readable by rtf/.
 #include <emscripten.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <memory>
 #include <string>
 #include <vector>
@@ -18,6 +20,8 @@
 #include "host/io_objects.h"
 #include "host/posix_host.h"
 #include "oleio/ole_interface.h"
+#include "rtf/converter.h"
+#include "rtf/host_code_pages.h"
 
 namespace {
 
@@ -29,7 +33,12 @@ struct ViewerStream {
     tnefcli::OpenedInput input;
     std::string text;  // the last JSON answer
     std::unique_ptr<tnefhost::MemoryIo> output;
+    std::string embeddedFile;  // of an embedded message: its stream, removed on close
 };
+
+constexpr uint32_t kTagAttachMethod = 0x37050003;
+constexpr int64_t kAttachEmbeddedMessage = 5;
+int embeddedFiles = 0;
 
 const tnefcli::ReaderModule& linkedModule() {
     static const tnefcli::ReaderModule module = [] {
@@ -63,6 +72,35 @@ constexpr size_t kShownText = 16384;
 // The last result of tnefViewerConvert.
 std::vector<uint8_t> converted;
 
+ViewerStream* openStream(std::string path, std::string file) {
+    auto* stream = new ViewerStream;
+    stream->file = std::move(file);
+    auto host = makeHost();
+    stream->input = tnefcli::openInputWith(linkedModule(), *host, path, false);
+    stream->input.host = std::move(host);
+    return stream;
+}
+
+// An attachment that holds a message (attach method 5): extracted, it is
+// that message's own TNEF stream.
+bool holdsEmbeddedMessage(tnefcli::Session& session, int32_t index) {
+    if (session.subfile(index).type != kSubfileAttachment) return false;
+    int32_t status = 0;
+    std::vector<tnefcli::Element> method = session.properties(index, {kTagAttachMethod}, &status);
+    return method.size() == 1 && method[0].hasValue && method[0].type == kElementInteger &&
+           method[0].number == kAttachEmbeddedMessage;
+}
+
+// Output of the RTF converters.
+class BytesSink final : public tnefrtf::OutputSink {
+public:
+    bool write(std::string_view text) override {
+        bytes.insert(bytes.end(), text.begin(), text.end());
+        return true;
+    }
+    std::vector<uint8_t> bytes;
+};
+
 }  // namespace
 
 extern "C" {
@@ -70,11 +108,19 @@ extern "C" {
 // Opens the file at `path`; never null. Whether it could be read shows in
 // its listing.
 EMSCRIPTEN_KEEPALIVE ViewerStream* tnefViewerOpen(const char* path) {
-    auto* stream = new ViewerStream;
-    stream->file = path;
-    auto host = makeHost();
-    stream->input = tnefcli::openInputWith(linkedModule(), *host, stream->file, false);
-    stream->input.host = std::move(host);
+    return openStream(path, path);
+}
+
+// Opens the embedded message at `index` of `parent` as a stream of its own,
+// extracted into a file of the memory file system.
+EMSCRIPTEN_KEEPALIVE ViewerStream* tnefViewerOpenEmbedded(ViewerStream* parent, int32_t index) {
+    std::string path = "/embedded-" + std::to_string(++embeddedFiles);
+    if (parent->input.usable()) {
+        tnefhost::FileIo output(path, tnefhost::FileIo::Mode::kWrite);
+        parent->input.session->extract(index, output.io(), 0, 0);
+    }
+    ViewerStream* stream = openStream(path, parent->file + " #" + std::to_string(index));
+    stream->embeddedFile = path;
     return stream;
 }
 
@@ -82,11 +128,13 @@ EMSCRIPTEN_KEEPALIVE void tnefViewerClose(ViewerStream* stream) {
     if (stream == nullptr) return;
     // The session closes its container before the host it uses goes.
     stream->input.session.reset();
+    if (!stream->embeddedFile.empty()) std::remove(stream->embeddedFile.c_str());
     delete stream;
 }
 
-// {"file", "status", "error", "summary", "subfiles"}, as list --json; only the
-// head when the stream can't be read at all.
+// {"file", "status", "error", "summary", "subfiles"}, as list --json, every
+// subfile with "embedded": true when it holds a message; only the head when
+// the stream can't be read at all.
 EMSCRIPTEN_KEEPALIVE const char* tnefViewerListing(ViewerStream* stream) {
     ordered_json report = reportHead(stream);
     if (!stream->input.usable()) return answer(stream, report);
@@ -94,7 +142,9 @@ EMSCRIPTEN_KEEPALIVE const char* tnefViewerListing(ViewerStream* stream) {
     report["summary"] = tnefcli::summaryJson(listing.summary);
     ordered_json subfiles = ordered_json::array();
     for (const tnefcli::ListedSubfile& s : listing.subfiles) {
-        subfiles.push_back(tnefcli::subfileJson(s));
+        ordered_json subfile = tnefcli::subfileJson(s);
+        if (holdsEmbeddedMessage(*stream->input.session, s.entry.index)) subfile["embedded"] = true;
+        subfiles.push_back(std::move(subfile));
     }
     report["subfiles"] = subfiles;
     return answer(stream, report);
@@ -132,10 +182,12 @@ EMSCRIPTEN_KEEPALIVE const char* tnefViewerProperties(ViewerStream* stream, int3
 
 // Extracts subfile `index` into memory: {"status", "resultFlags",
 // "payloadName", "linkedPath", "form" (of a message: "text", "html" or
-// "rtf"), "size"}; the bytes stay until the next
+// "rtf"), "size"}. `body` is 0 for the module's own order (text first), 1
+// for a stored HTML or RTF body first. The bytes stay until the next
 // extraction or tnefViewerReleaseExtracted.
 EMSCRIPTEN_KEEPALIVE const char* tnefViewerExtract(ViewerStream* stream, int32_t index,
-                                                   uint32_t flags, int32_t charset) {
+                                                   int32_t body, int32_t charset) {
+    uint32_t flags = kTnefExtractOmitHeader | (body != 0 ? kTnefExtractPreferStoredBody : 0u);
     stream->output = std::make_unique<tnefhost::MemoryIo>();
     ordered_json report = {{"status", nullptr}};
     if (stream->input.usable()) {
@@ -160,6 +212,24 @@ EMSCRIPTEN_KEEPALIVE const char* tnefViewerExtract(ViewerStream* stream, int32_t
         }
     }
     report["size"] = stream->output->bytes().size();
+    return answer(stream, report);
+}
+
+// Makes the RTF of the last extraction readable, in place: HTML (`html`
+// nonzero; the HTML it encapsulates, or HTML made from it) or text, as
+// UTF-8. {"status", "encapsulation", "size"}.
+EMSCRIPTEN_KEEPALIVE const char* tnefViewerReadableRtf(ViewerStream* stream, int32_t html) {
+    const std::vector<uint8_t>& bytes = stream->output->bytes();
+    std::string_view rtf(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    BytesSink sink;
+    tnefrtf::HostCodePageDecoder codePages(stream->input.host->context());
+    tnefrtf::ConversionResult result = tnefrtf::convertRtf(
+        rtf, html != 0 ? tnefrtf::OutputForm::kHtml : tnefrtf::OutputForm::kText, sink, &codePages);
+    stream->output = std::make_unique<tnefhost::MemoryIo>(std::move(sink.bytes));
+    static const char* const kEncapsulations[] = {"unknown", "none", "html", "text"};
+    ordered_json report = {{"status", tnefrtf::conversionStatusText(result.status)},
+                           {"encapsulation", kEncapsulations[static_cast<int>(result.encapsulation)]},
+                           {"size", stream->output->bytes().size()}};
     return answer(stream, report);
 }
 
