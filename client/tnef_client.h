@@ -186,8 +186,8 @@ public:
                   std::string* error);
     // The embedded message at `index` of `parent` (see holdsEmbeddedMessage),
     // as a stream of its own, one level deeper, with the parent's options.
-    // Past kMaxNestingDepth, or when the subfile is no TNEF stream, gives
-    // kNotTnef.
+    // Gives kUnreadable past kMaxNestingDepth or when the subfile can't be
+    // extracted, kNotTnef when it holds no TNEF stream.
     Opened openEmbedded(Session& parent, int32_t index, std::string* error);
 
     const ReaderModule& module() const { return module_; }
@@ -271,14 +271,16 @@ struct ListedSubfile {
 struct Listing {
     std::vector<ListedSubfile> subfiles;
     SummaryText summary;
-    bool complete = true;  // every subfile, at every depth, could be described and opened
+    // Every subfile could be described; with `nested`, also every embedded
+    // message opened, undamaged, and complete in turn.
+    bool complete = true;
 };
 
 struct NestedListing {
     Opened opened = Opened::kOk;
-    int32_t openStatus = 0;       // of the nested stream, when opened is kOk
+    std::optional<int32_t> status;     // the module's open status; null when it was never asked
     std::optional<std::string> error;  // why it is damaged or could not be opened
-    Listing listing;              // empty unless opened is kOk
+    Listing listing;                   // empty unless opened is kOk
 };
 
 // Reads every subfile and the message's summary. With `nested`, every

@@ -99,10 +99,10 @@ TEST_F(ClientSession, AnEmbeddedMessageThatCannotBeReadMakesTheListingIncomplete
         const char* what;
         Bytes inner;
         Opened opened;
-        int32_t openStatus;
+        int32_t status;
     } cases[] = {
         {"damaged", damaged, Opened::kOk, kTnefStreamFailure},
-        {"no TNEF stream", bytesOf("a text that is no stream"), Opened::kNotTnef, 0},
+        {"no TNEF stream", bytesOf("a text that is no stream"), Opened::kNotTnef, kTnefStreamFailure},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
@@ -110,7 +110,7 @@ TEST_F(ClientSession, AnEmbeddedMessageThatCannotBeReadMakesTheListingIncomplete
         EXPECT_FALSE(listing.complete);
         ASSERT_TRUE(listing.subfiles[1].nested);
         EXPECT_EQ(listing.subfiles[1].nested->opened, c.opened);
-        EXPECT_EQ(listing.subfiles[1].nested->openStatus, c.openStatus);
+        EXPECT_EQ(listing.subfiles[1].nested->status, c.status);
         EXPECT_TRUE(listing.subfiles[1].nested->error);
     }
 }
@@ -129,8 +129,9 @@ TEST_F(ClientSession, MessagesNestedPastTheLimitAreNotOpened) {
         at = &at->subfiles[1].nested->listing;
     }
     ASSERT_TRUE(at->subfiles[1].nested);
-    EXPECT_EQ(at->subfiles[1].nested->opened, Opened::kNotTnef);
-    EXPECT_NE(at->subfiles[1].nested->error->find("deeper than 16"), std::string::npos);
+    EXPECT_EQ(at->subfiles[1].nested->opened, Opened::kUnreadable);
+    EXPECT_EQ(at->subfiles[1].nested->status, std::nullopt);
+    EXPECT_EQ(at->subfiles[1].nested->error, "nested deeper than 16 messages");
 }
 
 }  // namespace
