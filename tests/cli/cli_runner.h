@@ -23,6 +23,9 @@ struct ToolRun {
 // Runs the tool with `args`; standard input from `stdinFile` when given,
 // else from /dev/null.
 ToolRun runTool(const std::vector<std::string>& args, const std::string& stdinFile = "");
+// Runs `program` (a path, or a name looked up on $PATH) the same way.
+ToolRun runProgram(const std::string& program, const std::vector<std::string>& args,
+                   const std::string& stdinFile = "");
 
 // A fresh folder, removed with everything in it at the end of the scope.
 class TempDir {
