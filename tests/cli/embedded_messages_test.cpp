@@ -3,29 +3,11 @@
 // indices, and reported like any damaged stream when they can't be read.
 #include <gtest/gtest.h>
 
-#include <random>
-
 #include "tests/cli/cli_runner.h"
 #include "tests/support/reader_fixture.h"
 
 namespace tneftest {
 namespace {
-
-Bytes note(const std::string& subject, const std::string& body,
-           std::vector<AttachmentLayout> attachments) {
-    MessageLayout plan;
-    plan.body = body;
-    plan.props = {Prop::string8(kTagSubject8, subject)};
-    plan.attachments = std::move(attachments);
-    return buildMessage(plan);
-}
-
-Bytes randomBytes(size_t size) {
-    std::mt19937 random(7);
-    Bytes bytes(size);
-    for (uint8_t& b : bytes) b = static_cast<uint8_t>(random());
-    return bytes;
-}
 
 std::vector<std::string> keysOf(const Json& object) {
     std::vector<std::string> keys;
@@ -37,11 +19,11 @@ using Keys = std::vector<std::string>;
 
 // Outer (a.txt, Fwd_zd2 = Inner (b.txt, Deeper_zd2 = Deepest (c.bin))).
 struct NestedSample {
-    Bytes data = randomBytes(70000);
-    Bytes deepest = note("Deepest", "third body", {{"c.bin", data, {}}});
-    Bytes inner = note("Inner", "second body",
+    Bytes data = randomBytes(70000, 7);
+    Bytes deepest = noteMessage("Deepest", "third body", {{"c.bin", data, {}}});
+    Bytes inner = noteMessage("Inner", "second body",
                        {{"b.txt", bytesOf("BB"), {}}, embeddedMessage("Deeper", deepest)});
-    Bytes outer = note("Outer", "first body",
+    Bytes outer = noteMessage("Outer", "first body",
                        {{"a.txt", bytesOf("A"), {}}, embeddedMessage("Fwd", inner)});
 };
 
@@ -126,18 +108,18 @@ TEST(CliEmbedded, AnEmbeddedMessageThatCannotBeReadIsReportedAndTheRestIsWritten
                         .record(kLevelMessage, 0x9003, propertyBlock({Prop::string8(kTagSubject8, "x")}),
                                 {0x0006, uint16_t{0xBEEF}})
                         .bytes();
-    Bytes deep = note("Leaf", "", {});
-    for (int level = 0; level <= 16; ++level) deep = note("Level", "", {embeddedMessage("Fwd", deep)});
+    Bytes deep = noteMessage("Leaf", "", {});
+    for (int level = 0; level <= 16; ++level) deep = noteMessage("Level", "", {embeddedMessage("Fwd", deep)});
     struct Case {
         const char* what;
         Bytes stream;
         std::string warning;
         std::vector<std::string> files;
     } cases[] = {
-        {"damaged", note("Outer", "", {embeddedMessage("Bad", damaged), {"z.txt", bytesOf("Z"), {}}}),
+        {"damaged", noteMessage("Outer", "", {embeddedMessage("Bad", damaged), {"z.txt", bytesOf("Z"), {}}}),
          "embedded message 1: damaged stream: stream failure",
          {"Bad_zd1/subfile-0.txt", "Outer.mail.txt", "z.txt"}},
-        {"no stream", note("Outer", "", {embeddedMessage("Junk", bytesOf("no stream")), {"z.txt", bytesOf("Z"), {}}}),
+        {"no stream", noteMessage("Outer", "", {embeddedMessage("Junk", bytesOf("no stream")), {"z.txt", bytesOf("Z"), {}}}),
          "embedded message 1: not a TNEF stream", {"Junk_zd1", "Outer.mail.txt", "z.txt"}},
         {"too deep", deep, "embedded message 1/1/1/1/1/1/1/1/1/1/1/1/1/1/1/1/1: nested deeper than 16",
          {std::string(16 * 8, ' '), "Level.mail.txt"}},

@@ -14,15 +14,6 @@ namespace {
 
 using namespace tnefclient;
 
-Bytes note(const std::string& subject, const std::string& body,
-           std::vector<AttachmentLayout> attachments) {
-    MessageLayout plan;
-    plan.body = body;
-    plan.props = {Prop::string8(kTagSubject8, subject)};
-    plan.attachments = std::move(attachments);
-    return buildMessage(plan);
-}
-
 std::string textOf(const std::vector<uint8_t>& bytes) {
     return std::string(bytes.begin(), bytes.end());
 }
@@ -48,10 +39,10 @@ protected:
 };
 
 TEST_F(ClientSession, EmbeddedMessagesAreListedAndExtractedAtEveryDepth) {
-    Bytes third = note("Deepest", "third body", {{"c.txt", bytesOf("C"), {}}});
-    Bytes second = note("Inner", "second body",
+    Bytes third = noteMessage("Deepest", "third body", {{"c.txt", bytesOf("C"), {}}});
+    Bytes second = noteMessage("Inner", "second body",
                         {{"b.txt", bytesOf("BB"), {}}, embeddedMessage("Deeper", third)});
-    Session& session = open(note("Outer", "first body",
+    Session& session = open(noteMessage("Outer", "first body",
                                  {{"a.txt", bytesOf("A"), {}}, embeddedMessage("Fwd", second)}));
     Listing listing = readListing(session, true);
     EXPECT_TRUE(listing.complete);
@@ -106,7 +97,7 @@ TEST_F(ClientSession, AnEmbeddedMessageThatCannotBeReadMakesTheListingIncomplete
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
-        Listing listing = readListing(open(note("Outer", "", {embeddedMessage("Fwd", c.inner)})), true);
+        Listing listing = readListing(open(noteMessage("Outer", "", {embeddedMessage("Fwd", c.inner)})), true);
         EXPECT_FALSE(listing.complete);
         ASSERT_TRUE(listing.subfiles[1].nested);
         EXPECT_EQ(listing.subfiles[1].nested->opened, c.opened);
@@ -116,9 +107,9 @@ TEST_F(ClientSession, AnEmbeddedMessageThatCannotBeReadMakesTheListingIncomplete
 }
 
 TEST_F(ClientSession, MessagesNestedPastTheLimitAreNotOpened) {
-    Bytes stream = note("Leaf", "", {});
+    Bytes stream = noteMessage("Leaf", "", {});
     for (int level = 0; level <= kMaxNestingDepth; ++level) {
-        stream = note("Level", "", {embeddedMessage("Fwd", stream)});
+        stream = noteMessage("Level", "", {embeddedMessage("Fwd", stream)});
     }
     Listing listing = readListing(open(stream), true);
     EXPECT_FALSE(listing.complete);
