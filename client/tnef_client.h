@@ -19,7 +19,7 @@
 //     tnefclient::Session session(*module, host->context());
 //     if (session.open("winmail.dat", {}, &error) != tnefclient::Opened::kOk) fail(error);
 //     // session.openStatus() != 0: damaged, but what was read can be had.
-//     tnefclient::Listing listing = tnefclient::readListing(session);
+//     tnefclient::Listing listing = tnefclient::readListing(session, /*nested=*/true);
 //     std::vector<uint8_t> body;
 //     session.extractToMemory(session.messageIndex(), &body, {tnefclient::BodyChoice::kHtml});
 //     for (const tnefclient::ListedSubfile& s : listing.subfiles) {
@@ -312,7 +312,5 @@ std::string_view withoutTrailingNuls(std::string_view text, bool sixteenBit);
 // FILETIME (100-ns ticks since 1601-01-01 UTC, little-endian) as ISO 8601:
 // "2009-05-04T10:20:30Z"; null for the all-zero time, which means none.
 std::optional<std::string> fileTimeToIso(const uint8_t bytes[8]);
-uint64_t fileTimeTicks(const uint8_t bytes[8]);
-std::string ticksToIso(uint64_t ticks);
 
 }  // namespace tnefclient

@@ -3,6 +3,8 @@
 // indices, and reported like any damaged stream when they can't be read.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "tests/cli/cli_runner.h"
 #include "tests/support/reader_fixture.h"
 
@@ -109,37 +111,47 @@ TEST(CliEmbedded, AnEmbeddedMessageThatCannotBeReadIsReportedAndTheRestIsWritten
                                 {0x0006, uint16_t{0xBEEF}})
                         .bytes();
     Bytes deep = noteMessage("Leaf", "", {});
-    for (int level = 0; level <= 16; ++level) deep = noteMessage("Level", "", {embeddedMessage("Fwd", deep)});
+    std::vector<std::string> deepFiles;  // a message at every level; the 17th not opened
+    std::string folder;
+    for (int level = 0; level <= 16; ++level) {
+        deep = noteMessage("Level", "", {embeddedMessage("Fwd", deep)});
+        deepFiles.push_back(folder + "Level.mail.txt");
+        folder += "Fwd_zd1/";
+    }
+    deepFiles.push_back(folder.substr(0, folder.size() - 1) + ".tnef");
+    std::sort(deepFiles.begin(), deepFiles.end());
     struct Case {
         const char* what;
         Bytes stream;
         std::string warning;
+        Json nested;  // list --json: the "nested" of the embedded message, less its listing
         std::vector<std::string> files;
     } cases[] = {
         {"damaged", noteMessage("Outer", "", {embeddedMessage("Bad", damaged), {"z.txt", bytesOf("Z"), {}}}),
          "embedded message 1: damaged stream: stream failure",
+         {{"status", 4}, {"error", "stream failure: unreadable or malformed data (4)"}},
          {"Bad_zd1/subfile-0.txt", "Outer.mail.txt", "z.txt"}},
         {"no stream", noteMessage("Outer", "", {embeddedMessage("Junk", bytesOf("no stream")), {"z.txt", bytesOf("Z"), {}}}),
-         "embedded message 1: not a TNEF stream", {"Junk_zd1", "Outer.mail.txt", "z.txt"}},
-        {"too deep", deep, "embedded message 1/1/1/1/1/1/1/1/1/1/1/1/1/1/1/1/1: nested deeper than 16",
-         {std::string(16 * 8, ' '), "Level.mail.txt"}},
+         "embedded message 1: not a TNEF stream", {{"status", 4}, {"error", "not a TNEF stream"}},
+         {"Junk_zd1", "Outer.mail.txt", "z.txt"}},
+        {"too deep", deep, "embedded message 1/1/1/1/1/1/1/1/1/1/1/1/1/1/1/1/1: nested deeper than 16 messages",
+         {{"status", nullptr}, {"error", "nested deeper than 16 messages"}}, deepFiles},
     };
-    for (Case& c : cases) {
+    for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         TempDir dir;
         std::string file = writeFile(dir.path() / "outer.tnef", c.stream);
         ToolRun run = runTool({"extract", file, "-C", dir / "out"});
         EXPECT_EQ(run.exitCode, 3);
         EXPECT_NE(run.err.find(c.warning), std::string::npos) << run.err;
-        std::vector<std::string> files = filesBelow(dir.path() / "out");
-        if (c.files[0].front() == ' ') {  // the deepest folder holds the stream it could not open
-            ASSERT_FALSE(files.empty());
-            EXPECT_NE(files.front().find("Fwd_zd1/Fwd_zd1.tnef"), std::string::npos) << files.front();
-            EXPECT_EQ(files.back(), "Level.mail.txt");
-        } else {
-            EXPECT_EQ(files, c.files);
-        }
-        EXPECT_EQ(runTool({"list", file}).exitCode, 3);
+        EXPECT_EQ(filesBelow(dir.path() / "out"), c.files);
+
+        ToolRun list = runTool({"list", file, "--json"});
+        EXPECT_EQ(list.exitCode, 3);
+        Json nested = list.json()["subfiles"][1]["nested"];
+        while (nested["error"] == nullptr) nested = nested["subfiles"][1]["nested"];  // go deeper
+        EXPECT_EQ(nested["status"], c.nested["status"]);
+        EXPECT_EQ(nested["error"], c.nested["error"]);
     }
 }
 

@@ -1,6 +1,7 @@
 // The client over a module linked into the program: a stream opened from
-// memory, embedded messages listed and extracted at every depth, outputs,
-// and embedded messages that can't be read.
+// memory, embedded messages listed and extracted at every depth, and the
+// memory and file outputs. (Embedded messages that can't be read are
+// tested through the tool, in tests/cli/embedded_messages_test.cpp.)
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -77,52 +78,6 @@ TEST_F(ClientSession, EmbeddedMessagesAreListedAndExtractedAtEveryDepth) {
     EXPECT_EQ(readFile(file.string()), bytesOf("BB"));
     std::filesystem::remove(file);
     EXPECT_EQ(child.extractToFile(1, (file / "b.txt").string()).status, kTnefOutputUnusable);
-}
-
-TEST_F(ClientSession, AnEmbeddedMessageThatCannotBeReadMakesTheListingIncomplete) {
-    Bytes damaged = TnefWriter()
-                        .version()
-                        .record(kLevelMessage, 0x9003, propertyBlock({Prop::string8(kTagSubject8, "x")}),
-                                {0x0006, uint16_t{0xBEEF}})
-                        .body("read before the damage")
-                        .bytes();
-    struct Case {
-        const char* what;
-        Bytes inner;
-        Opened opened;
-        int32_t status;
-    } cases[] = {
-        {"damaged", damaged, Opened::kOk, kTnefStreamFailure},
-        {"no TNEF stream", bytesOf("a text that is no stream"), Opened::kNotTnef, kTnefStreamFailure},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.what);
-        Listing listing = readListing(open(noteMessage("Outer", "", {embeddedMessage("Fwd", c.inner)})), true);
-        EXPECT_FALSE(listing.complete);
-        ASSERT_TRUE(listing.subfiles[1].nested);
-        EXPECT_EQ(listing.subfiles[1].nested->opened, c.opened);
-        EXPECT_EQ(listing.subfiles[1].nested->status, c.status);
-        EXPECT_TRUE(listing.subfiles[1].nested->error);
-    }
-}
-
-TEST_F(ClientSession, MessagesNestedPastTheLimitAreNotOpened) {
-    Bytes stream = noteMessage("Leaf", "", {});
-    for (int level = 0; level <= kMaxNestingDepth; ++level) {
-        stream = noteMessage("Level", "", {embeddedMessage("Fwd", stream)});
-    }
-    Listing listing = readListing(open(stream), true);
-    EXPECT_FALSE(listing.complete);
-    const Listing* at = &listing;
-    for (int depth = 1; depth <= kMaxNestingDepth; ++depth) {
-        ASSERT_TRUE(at->subfiles[1].nested) << depth;
-        ASSERT_EQ(at->subfiles[1].nested->opened, Opened::kOk) << depth;
-        at = &at->subfiles[1].nested->listing;
-    }
-    ASSERT_TRUE(at->subfiles[1].nested);
-    EXPECT_EQ(at->subfiles[1].nested->opened, Opened::kUnreadable);
-    EXPECT_EQ(at->subfiles[1].nested->status, std::nullopt);
-    EXPECT_EQ(at->subfiles[1].nested->error, "nested deeper than 16 messages");
 }
 
 }  // namespace
