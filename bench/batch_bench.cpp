@@ -13,7 +13,7 @@
 #include "bench/metered_host.h"
 #include "bench/reader_calls.h"
 #include "bench/stream_files.h"
-#include "cli/buffered_io.h"
+#include "client/buffered_io.h"
 #include "reader/operations.h"
 
 namespace {
@@ -47,7 +47,7 @@ const MediumStreams& mediumStreams() {
 int64_t processStream(const std::string& path, tnefbench::MeteredHost& host,
                       tnefhost::HostMemory& results) {
     tnefhost::FileIo file(path, tnefhost::FileIo::Mode::kRead);
-    tnefcli::ReadAheadIo input(file);  // as the tool reads its inputs
+    tnefclient::ReadAheadIo input(file);  // as the tool reads its inputs
     int32_t status = -1;
     TnefContainer* container = tnefOpenContainer(input.io(), host.context(), 0, 0, 0, &status);
     if (container == nullptr || status != kTnefOk) {

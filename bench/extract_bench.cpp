@@ -18,7 +18,7 @@
 #include "bench/process_memory.h"
 #include "bench/reader_calls.h"
 #include "bench/stream_files.h"
-#include "cli/buffered_io.h"
+#include "client/buffered_io.h"
 #include "reader/operations.h"
 
 namespace {
@@ -34,7 +34,7 @@ constexpr size_t kMappedWindow = 4 << 20;
 // The I/O objects between the module and the files (the second argument).
 enum IoKind {
     kPlainFiles = 0,    // the host's FileIo at both ends: a system call per module call
-    kToolBuffers = 1,   // the tool's read-ahead input and write-behind output (cli/buffered_io.h)
+    kToolBuffers = 1,   // the tool's read-ahead input and write-behind output (client/buffered_io.h)
     kWriteBehind = 2,   // plain input, write-behind output
     kMappedInput = 3,   // a mapped window of the input, write-behind output
 };
@@ -74,8 +74,8 @@ bool extractOnce(const tnefbench::StreamFile& file, tnefhost::HostIo& output, Io
     CountingIo fileInput(*inputFile);
     CountingIo fileOutput(output);
     std::unique_ptr<tnefhost::HostIo> reader, writer;
-    if (kind == kToolBuffers) reader = std::make_unique<tnefcli::ReadAheadIo>(fileInput);
-    if (kind != kPlainFiles) writer = std::make_unique<tnefcli::WriteBehindIo>(fileOutput);
+    if (kind == kToolBuffers) reader = std::make_unique<tnefclient::ReadAheadIo>(fileInput);
+    if (kind != kPlainFiles) writer = std::make_unique<tnefclient::WriteBehindIo>(fileOutput);
     CountingIo moduleInput(reader ? *reader : fileInput);
     CountingIo moduleOutput(writer ? *writer : fileOutput);
 

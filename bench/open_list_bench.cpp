@@ -11,7 +11,7 @@
 #include "bench/metered_host.h"
 #include "bench/reader_calls.h"
 #include "bench/stream_files.h"
-#include "cli/buffered_io.h"
+#include "client/buffered_io.h"
 #include "reader/operations.h"
 #include "tests/support/tnef_writer.h"
 
@@ -42,7 +42,7 @@ void runOpen(benchmark::State& state, bool list) {
         // module -> counting -> the tool's read-ahead -> fileSide -> file
         tnefhost::FileIo input(file->path, tnefhost::FileIo::Mode::kRead);
         CountingIo fileSide(input);
-        tnefcli::ReadAheadIo readAhead(fileSide);
+        tnefclient::ReadAheadIo readAhead(fileSide);
         CountingIo counting(readAhead);
         int32_t status = -1;
         TnefContainer* container =

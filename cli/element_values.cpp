@@ -3,10 +3,9 @@
 #include <cstdio>
 #include <cstring>
 
-#include "cli/text_utf8.h"
-#include "cli/time_format.h"
-
 namespace tnefcli {
+
+using namespace tnefclient;
 
 namespace {
 
@@ -37,31 +36,10 @@ T floatOf(const std::vector<uint8_t>& bytes) {
     return value;
 }
 
-std::string textOf(HostContext* host, const Element& element, CharsetId charset) {
-    std::string_view raw(reinterpret_cast<const char*>(element.bytes.data()), element.bytes.size());
-    if (element.type == kElementText16) {
-        raw = withoutTrailingNuls(raw, true);
-        return utf16leToUtf8(reinterpret_cast<const uint8_t*>(raw.data()), raw.size());
-    }
-    return eightBitToUtf8(host, withoutTrailingNuls(raw, false), charset);
-}
-
-bool hasValue(const Element& element) {
-    if (!element.hasValue || element.type == kElementNone) return false;
-    switch (element.type) {
-        case kElementBoolean:
-        case kElementInteger: return true;
-        case kElementBinary:
-        case kElementText8:
-        case kElementText16: return true;
-        default: return !element.bytes.empty();  // fixed-size values need their bytes
-    }
-}
-
 }  // namespace
 
 const char* elementTypeName(const Element& element) {
-    if (!hasValue(element)) return "none";
+    if (!elementHasValue(element)) return "none";
     switch (element.type) {
         case kElementBoolean: return "boolean";
         case kElementBinary: return "binary";
@@ -77,16 +55,16 @@ const char* elementTypeName(const Element& element) {
 }
 
 nlohmann::ordered_json elementJson(HostContext* host, const Element& element, CharsetId charset) {
-    if (!hasValue(element)) return nullptr;
+    if (!elementHasValue(element)) return nullptr;
     switch (element.type) {
         case kElementBoolean: return element.number != 0;
         case kElementInteger: return element.number;
         case kElementInt64: return littleEndian64(element.bytes);
         case kElementText8:
-        case kElementText16: return textOf(host, element, charset);
+        case kElementText16:
         case kElementTime: {
-            auto iso = fileTimeToIso(element.bytes.data());
-            return iso ? nlohmann::ordered_json(*iso) : nlohmann::ordered_json(nullptr);
+            auto text = elementString(host, element, charset);
+            return text ? nlohmann::ordered_json(*text) : nlohmann::ordered_json(nullptr);
         }
         case kElementFloat: return floatOf<float>(element.bytes);
         case kElementDouble: return floatOf<double>(element.bytes);
@@ -104,12 +82,6 @@ std::string elementText(HostContext* host, const Element& element, CharsetId cha
     if (value.is_null()) return {};
     if (value.is_string()) return value.get<std::string>();
     return value.dump();
-}
-
-const char* importanceWord(int64_t value) {
-    if (value == 0) return "Low";
-    if (value == 2) return "High";
-    return "Normal";
 }
 
 std::string tagText(uint32_t tag) {

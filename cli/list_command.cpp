@@ -3,17 +3,18 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "cli/commands.h"
 #include "cli/exit_codes.h"
 #include "cli/json_output.h"
-#include "cli/listing.h"
+#include "cli/listing_json.h"
 #include "cli/open_input.h"
 #include "cli/report_text.h"
-#include "cli/status_text.h"
-#include "cli/text_utf8.h"
 
 namespace tnefcli {
+
+using namespace tnefclient;
 
 namespace {
 
@@ -23,7 +24,28 @@ struct ListOptions {
     bool root = false;
 };
 
-void printTable(const Listing& listing) {
+// One line of the table: a subfile and its index path ("2/1").
+struct Row {
+    std::string index;
+    const ListedSubfile* subfile;
+};
+
+// The rows of `listing`, each embedded message followed by its own rows;
+// what could not be read of an embedded message is told on stderr.
+void collectRows(const std::string& file, const Listing& listing, const std::string& prefix,
+                 std::vector<Row>& rows) {
+    for (const ListedSubfile& s : listing.subfiles) {
+        std::string index = prefix + std::to_string(s.entry.index);
+        rows.push_back({index, &s});
+        if (!s.nested) continue;
+        if (s.nested->error) warnNested(file, index, s.nested->opened, *s.nested->error);
+        collectRows(file, s.nested->listing, index + "/", rows);
+    }
+}
+
+void printTable(const std::string& file, const Listing& listing) {
+    std::vector<Row> rows;
+    collectRows(file, listing, "", rows);
     const auto& summary = listing.summary;
     auto line = [](const char* label, const std::optional<std::string>& value) {
         std::printf("%-9s %s\n", label, value ? printable(*value).c_str() : "-");
@@ -34,32 +56,35 @@ void printTable(const Listing& listing) {
     line("Subject:", summary.subject);
     std::printf("\n");
 
+    int indexWidth = 5;
     int sizeWidth = 4;
-    for (const ListedSubfile& s : listing.subfiles) {
-        sizeWidth = std::max(sizeWidth, static_cast<int>(std::to_string(s.entry.size).size()));
+    for (const Row& row : rows) {
+        indexWidth = std::max(indexWidth, static_cast<int>(row.index.size()));
+        sizeWidth = std::max(sizeWidth, static_cast<int>(std::to_string(row.subfile->entry.size).size()));
     }
-    std::printf("%5s  %-10s  %*s  %-20s  %s\n", "Index", "Type", sizeWidth, "Size", "Time", "Name");
-    for (const ListedSubfile& s : listing.subfiles) {
+    std::printf("%*s  %-10s  %*s  %-20s  %s\n", indexWidth, "Index", "Type", sizeWidth, "Size",
+                "Time", "Name");
+    for (const Row& row : rows) {
+        const ListedSubfile& s = *row.subfile;
         std::string name = s.name ? printable(*s.name) : "(no name: " + statusText(s.entry.status) + ")";
-        std::printf("%5d  %-10s  %*d  %-20s  %s\n", s.entry.index, subfileTypeName(s.entry.type),
-                    sizeWidth, s.entry.size, s.time.value_or("-").c_str(), name.c_str());
+        std::printf("%*s  %-10s  %*d  %-20s  %s\n", indexWidth, row.index.c_str(),
+                    subfileTypeName(s.entry.type), sizeWidth, s.entry.size,
+                    s.time.value_or("-").c_str(), name.c_str());
     }
 }
 
 int runList(const ListOptions& options) {
     OpenedInput input = openInput(options.file, options.root);
     if (!input.usable()) return reportUnusable(options.file, input, options.json);
-    Listing listing = readListing(*input.session);
+    Listing listing = readListing(*input.session, true);
     if (options.json) {
         auto report = fileReportHead(options.file, input.status, input.error);
         report["summary"] = summaryJson(listing.summary);
-        nlohmann::ordered_json subfiles = nlohmann::ordered_json::array();
-        for (const ListedSubfile& s : listing.subfiles) subfiles.push_back(subfileJson(s));
-        report["subfiles"] = subfiles;
+        report["subfiles"] = subfilesJson(listing);
         printJson(report);
     } else {
         warnDamaged(options.file, input);
-        printTable(listing);
+        printTable(options.file, listing);
     }
     return input.error || !listing.complete ? kExitPartial : kExitOk;
 }

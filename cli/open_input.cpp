@@ -1,18 +1,10 @@
 #include "cli/open_input.h"
 
 #include "cli/exit_codes.h"
-#include "cli/status_text.h"
 
 namespace tnefcli {
 
-std::unique_ptr<tnefhost::PosixHost> makeHost(const ReaderModule& module,
-                                              const std::string& logPrefix) {
-    tnefhost::HostOptions options;
-    options.libraryDir = module.folder;
-    options.logToStderr = true;
-    options.logPrefix = logPrefix;
-    return std::make_unique<tnefhost::PosixHost>(options);
-}
+using namespace tnefclient;
 
 std::string displayName(const std::string& file) {
     return file == "-" ? std::string("standard input") : file;
@@ -22,11 +14,13 @@ OpenedInput openInputWith(const ReaderModule& module, tnefhost::PosixHost& host,
                           const std::string& file, bool rootEntry) {
     OpenedInput opened;
     host.setLogPrefix(displayName(file));
-    opened.session = std::make_unique<Session>(module, host);
+    opened.session = std::make_unique<Session>(module, host.context());
     std::string error;
-    Session::Opened result = opened.session->open(file, rootEntry, &error);
-    if (result != Session::Opened::kUnreadable) opened.status = opened.session->openStatus();
-    if (result != Session::Opened::kOk) {
+    OpenOptions options;
+    options.rootEntry = rootEntry;
+    Opened result = opened.session->open(file, options, &error);
+    if (result != Opened::kUnreadable) opened.status = opened.session->openStatus();
+    if (result != Opened::kOk) {
         opened.exitCode = kExitUnreadable;
         opened.error = error;
     } else if (opened.session->openStatus() != kTnefOk) {
@@ -37,7 +31,7 @@ OpenedInput openInputWith(const ReaderModule& module, tnefhost::PosixHost& host,
 
 OpenedInput openInput(const std::string& file, bool rootEntry) {
     std::string error;
-    const ReaderModule* module = loadReaderModule(&error);
+    const ReaderModule* module = ReaderModule::load(&error);
     if (module == nullptr) {
         OpenedInput failed;
         failed.exitCode = kExitUnreadable;

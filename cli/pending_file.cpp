@@ -64,7 +64,7 @@ std::unique_ptr<PendingFile> PendingFile::create(const std::filesystem::path& fo
 PendingFile::PendingFile(std::filesystem::path temporary, int fd, int keptFd)
     : temporary_(std::move(temporary)),
       output_(tnefhost::FileIo::adopt(fd, tnefhost::FileIo::Mode::kWrite)),
-      writer_(std::make_unique<WriteBehindIo>(*output_)),
+      writer_(std::make_unique<tnefclient::WriteBehindIo>(*output_)),
       keptFd_(keptFd) {}
 
 PendingFile::~PendingFile() {

@@ -8,7 +8,7 @@
 #include <memory>
 #include <string>
 
-#include "cli/buffered_io.h"
+#include "client/buffered_io.h"
 #include "host/io_objects.h"
 
 namespace tnefcli {
@@ -41,7 +41,7 @@ private:
 
     std::filesystem::path temporary_;
     std::unique_ptr<tnefhost::FileIo> output_;
-    std::unique_ptr<WriteBehindIo> writer_;
+    std::unique_ptr<tnefclient::WriteBehindIo> writer_;
     int keptFd_;  // a second descriptor that outlives the module's close
     bool committed_ = false;
 };

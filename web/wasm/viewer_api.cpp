@@ -1,23 +1,19 @@
 // The entry points the page calls (through cwrap). A stream is opened from a
-// file of the page's memory file system, by the tool's own session code with
-// a host whose OLE library is linked in; listings and properties come back
-// as JSON in the tool's form (list --json), extracted subfiles as bytes, RTF
-// bodies made readable by rtf/.
+// file of the page's memory file system by the client library, with a host
+// whose OLE library is linked in; listings and properties come back as JSON
+// in the tool's form (the JSON writers of list --json and props --json),
+// extracted subfiles as bytes, RTF bodies made readable by rtf/.
 #include <emscripten.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
-#include "cli/body_form.h"
 #include "cli/element_values.h"
-#include "cli/json_output.h"
-#include "cli/listing.h"
-#include "cli/open_input.h"
-#include "cli/text_utf8.h"
-#include "host/io_objects.h"
+#include "cli/listing_json.h"
+#include "client/tnef_client.h"
 #include "host/posix_host.h"
 #include "oleio/ole_interface.h"
 #include "rtf/converter.h"
@@ -30,22 +26,25 @@ using nlohmann::ordered_json;
 // One open stream, with the last answer handed to the page.
 struct ViewerStream {
     std::string file;
-    tnefcli::OpenedInput input;
-    std::string text;  // the last JSON answer
-    std::unique_ptr<tnefhost::MemoryIo> output;
-    std::string embeddedFile;  // of an embedded message: its stream, removed on close
+    std::unique_ptr<tnefhost::PosixHost> host;
+    std::unique_ptr<tnefclient::Session> session;
+    std::optional<int32_t> status;     // the module's open status, once it got that far
+    std::optional<std::string> error;  // why the stream can't be read, or is damaged
+    bool usable = false;
+    std::string text;             // the last JSON answer
+    std::vector<uint8_t> output;  // the last extraction
 };
 
-constexpr uint32_t kTagAttachMethod = 0x37050003;
-constexpr int64_t kAttachEmbeddedMessage = 5;
-int embeddedFiles = 0;
+// The bytes of a property value the page is shown at most.
+constexpr size_t kShownBinary = 256;
+constexpr size_t kShownText = 16384;
 
-const tnefcli::ReaderModule& linkedModule() {
-    static const tnefcli::ReaderModule module = [] {
-        tnefcli::ReaderModule linked;
-        tnefGetContainerReaderInterfaceEx(&linked.table);
-        return linked;
-    }();
+// The last result of tnefViewerConvert.
+std::vector<uint8_t> converted;
+
+const tnefclient::ReaderModule& linkedModule() {
+    static const tnefclient::ReaderModule module =
+        tnefclient::ReaderModule::linked(&tnefGetContainerReaderInterfaceEx);
     return module;
 }
 
@@ -56,49 +55,46 @@ std::unique_ptr<tnefhost::PosixHost> makeHost() {
     return std::make_unique<tnefhost::PosixHost>(options);
 }
 
+ViewerStream* newStream(std::string file) {
+    auto* stream = new ViewerStream;
+    stream->file = std::move(file);
+    stream->host = makeHost();
+    stream->session = std::make_unique<tnefclient::Session>(linkedModule(), stream->host->context());
+    return stream;
+}
+
+// What an opening came to, as the tool reports it.
+ViewerStream* opened(ViewerStream* stream, tnefclient::Opened result, const std::string& error) {
+    if (result != tnefclient::Opened::kUnreadable) stream->status = stream->session->openStatus();
+    stream->usable = result == tnefclient::Opened::kOk;
+    if (!stream->usable) {
+        stream->error = error;
+    } else if (stream->session->openStatus() != kTnefOk) {
+        stream->error = tnefclient::statusText(stream->session->openStatus());
+    }
+    return stream;
+}
+
 const char* answer(ViewerStream* stream, const ordered_json& document) {
     stream->text = document.dump(-1, ' ', false, ordered_json::error_handler_t::replace);
     return stream->text.c_str();
 }
 
-ordered_json reportHead(const ViewerStream* stream) {
-    return tnefcli::fileReportHead(stream->file, stream->input.status, stream->input.error);
+ordered_json orNull(const std::optional<std::string>& text) {
+    return text ? ordered_json(*text) : ordered_json(nullptr);
 }
 
-// The bytes of a property value the page is shown at most.
-constexpr size_t kShownBinary = 256;
-constexpr size_t kShownText = 16384;
-
-// The last result of tnefViewerConvert.
-std::vector<uint8_t> converted;
-
-ViewerStream* openStream(std::string path, std::string file) {
-    auto* stream = new ViewerStream;
-    stream->file = std::move(file);
-    auto host = makeHost();
-    stream->input = tnefcli::openInputWith(linkedModule(), *host, path, false);
-    stream->input.host = std::move(host);
-    return stream;
-}
-
-// An attachment that holds a message (attach method 5): extracted, it is
-// that message's own TNEF stream.
-bool holdsEmbeddedMessage(tnefcli::Session& session, int32_t index) {
-    if (session.subfile(index).type != kSubfileAttachment) return false;
-    int32_t status = 0;
-    std::vector<tnefcli::Element> method = session.properties(index, {kTagAttachMethod}, &status);
-    return method.size() == 1 && method[0].hasValue && method[0].type == kElementInteger &&
-           method[0].number == kAttachEmbeddedMessage;
-}
-
-// Output of the RTF converters.
+// Output of the RTF converters into the stream's extraction bytes.
 class BytesSink final : public tnefrtf::OutputSink {
 public:
+    explicit BytesSink(std::vector<uint8_t>& bytes) : bytes_(bytes) {}
     bool write(std::string_view text) override {
-        bytes.insert(bytes.end(), text.begin(), text.end());
+        bytes_.insert(bytes_.end(), text.begin(), text.end());
         return true;
     }
-    std::vector<uint8_t> bytes;
+
+private:
+    std::vector<uint8_t>& bytes_;
 };
 
 }  // namespace
@@ -108,27 +104,25 @@ extern "C" {
 // Opens the file at `path`; never null. Whether it could be read shows in
 // its listing.
 EMSCRIPTEN_KEEPALIVE ViewerStream* tnefViewerOpen(const char* path) {
-    return openStream(path, path);
+    ViewerStream* stream = newStream(path);
+    std::string error;
+    tnefclient::Opened result = stream->session->openFile(path, {}, &error);
+    return opened(stream, result, error);
 }
 
-// Opens the embedded message at `index` of `parent` as a stream of its own,
-// extracted into a file of the memory file system.
+// Opens the embedded message at `index` of `parent` as a stream of its own.
 EMSCRIPTEN_KEEPALIVE ViewerStream* tnefViewerOpenEmbedded(ViewerStream* parent, int32_t index) {
-    std::string path = "/embedded-" + std::to_string(++embeddedFiles);
-    if (parent->input.usable()) {
-        tnefhost::FileIo output(path, tnefhost::FileIo::Mode::kWrite);
-        parent->input.session->extract(index, output.io(), 0, 0);
-    }
-    ViewerStream* stream = openStream(path, parent->file + " #" + std::to_string(index));
-    stream->embeddedFile = path;
-    return stream;
+    ViewerStream* stream = newStream(parent->file + " #" + std::to_string(index));
+    std::string error = "the stream can't be read";
+    tnefclient::Opened result = tnefclient::Opened::kUnreadable;
+    if (parent->usable) result = stream->session->openEmbedded(*parent->session, index, &error);
+    return opened(stream, result, error);
 }
 
 EMSCRIPTEN_KEEPALIVE void tnefViewerClose(ViewerStream* stream) {
     if (stream == nullptr) return;
     // The session closes its container before the host it uses goes.
-    stream->input.session.reset();
-    if (!stream->embeddedFile.empty()) std::remove(stream->embeddedFile.c_str());
+    stream->session.reset();
     delete stream;
 }
 
@@ -136,15 +130,16 @@ EMSCRIPTEN_KEEPALIVE void tnefViewerClose(ViewerStream* stream) {
 // subfile with "embedded": true when it holds a message; only the head when
 // the stream can't be read at all.
 EMSCRIPTEN_KEEPALIVE const char* tnefViewerListing(ViewerStream* stream) {
-    ordered_json report = reportHead(stream);
-    if (!stream->input.usable()) return answer(stream, report);
-    tnefcli::Listing listing = tnefcli::readListing(*stream->input.session);
+    ordered_json report = {{"file", stream->file},
+                           {"status", stream->status ? ordered_json(*stream->status) : nullptr},
+                           {"error", orNull(stream->error)}};
+    if (!stream->usable) return answer(stream, report);
+    tnefclient::Session& session = *stream->session;
+    tnefclient::Listing listing = tnefclient::readListing(session);
     report["summary"] = tnefcli::summaryJson(listing.summary);
-    ordered_json subfiles = ordered_json::array();
-    for (const tnefcli::ListedSubfile& s : listing.subfiles) {
-        ordered_json subfile = tnefcli::subfileJson(s);
-        if (holdsEmbeddedMessage(*stream->input.session, s.entry.index)) subfile["embedded"] = true;
-        subfiles.push_back(std::move(subfile));
+    ordered_json subfiles = tnefcli::subfilesJson(listing);
+    for (ordered_json& subfile : subfiles) {
+        if (session.holdsEmbeddedMessage(subfile["index"].get<int32_t>())) subfile["embedded"] = true;
     }
     report["subfiles"] = subfiles;
     return answer(stream, report);
@@ -157,16 +152,15 @@ EMSCRIPTEN_KEEPALIVE const char* tnefViewerProperties(ViewerStream* stream, int3
                                                       const uint32_t* tags, int32_t count) {
     ordered_json report = {{"index", index}, {"queryStatus", nullptr}};
     ordered_json properties = ordered_json::array();
-    if (stream->input.usable() && count >= 0) {
-        tnefcli::Session& session = *stream->input.session;
+    if (stream->usable && count >= 0) {
+        tnefclient::Session& session = *stream->session;
         int32_t status = 0;
-        std::vector<tnefcli::Element> elements =
+        std::vector<tnefclient::Element> elements =
             session.properties(index, std::vector<uint32_t>(tags, tags + count), &status);
         report["queryStatus"] = status;
-        for (tnefcli::Element& element : elements) {
+        for (tnefclient::Element& element : elements) {
             ordered_json property = {{"tag", tnefcli::tagText(element.tag)},
                                      {"type", tnefcli::elementTypeName(element)}};
-            // Long values (an attachment's data, a body) are shown cut.
             size_t shown = element.type == kElementBinary ? kShownBinary : kShownText;
             if (element.bytes.size() > shown) {
                 property["size"] = element.bytes.size();
@@ -187,31 +181,32 @@ EMSCRIPTEN_KEEPALIVE const char* tnefViewerProperties(ViewerStream* stream, int3
 // extraction or tnefViewerReleaseExtracted.
 EMSCRIPTEN_KEEPALIVE const char* tnefViewerExtract(ViewerStream* stream, int32_t index,
                                                    int32_t body, int32_t charset) {
-    uint32_t flags = kTnefExtractOmitHeader | (body != 0 ? kTnefExtractPreferStoredBody : 0u);
-    stream->output = std::make_unique<tnefhost::MemoryIo>();
+    stream->output.clear();
     ordered_json report = {{"status", nullptr}};
-    if (stream->input.usable()) {
-        tnefcli::ExtractOutcome outcome =
-            stream->input.session->extract(index, stream->output->io(), flags, charset);
-        tnefcli::Session& session = *stream->input.session;
+    if (stream->usable) {
+        tnefclient::Session& session = *stream->session;
+        tnefclient::ExtractSettings settings;
+        settings.body = body != 0 ? tnefclient::BodyChoice::kHtml : tnefclient::BodyChoice::kAuto;
+        settings.noHeader = true;
+        settings.charset = charset;
+        tnefclient::ExtractOutcome outcome = session.extractToMemory(index, &stream->output, settings);
         // Names from the stream, read in the message's charset.
-        auto orNull = [&session](const std::optional<std::string>& text) {
-            return text ? ordered_json(tnefcli::eightBitToUtf8(session.host(), *text,
-                                                              session.messageCharset()))
+        auto name = [&session](const std::optional<std::string>& text) {
+            return text ? ordered_json(tnefclient::eightBitToUtf8(session.host(), *text,
+                                                                  session.messageCharset()))
                         : ordered_json(nullptr);
         };
         report["status"] = outcome.status;
         report["resultFlags"] = outcome.resultFlags;
-        report["payloadName"] = orNull(outcome.payloadName);
-        report["linkedPath"] = orNull(outcome.linkedPath);
+        report["payloadName"] = name(outcome.payloadName);
+        report["linkedPath"] = name(outcome.linkedPath);
         if (session.subfile(index).type == kSubfileMessage) {
-            const std::vector<uint8_t>& bytes = stream->output->bytes();
-            std::string_view head(reinterpret_cast<const char*>(bytes.data()),
-                                  std::min<size_t>(bytes.size(), 64));
-            report["form"] = tnefcli::bodyFormName(tnefcli::detectBodyForm(head));
+            std::string_view head(reinterpret_cast<const char*>(stream->output.data()),
+                                  std::min<size_t>(stream->output.size(), 64));
+            report["form"] = tnefclient::bodyFormName(tnefclient::detectBodyForm(head));
         }
     }
-    report["size"] = stream->output->bytes().size();
+    report["size"] = stream->output.size();
     return answer(stream, report);
 }
 
@@ -219,26 +214,25 @@ EMSCRIPTEN_KEEPALIVE const char* tnefViewerExtract(ViewerStream* stream, int32_t
 // nonzero; the HTML it encapsulates, or HTML made from it) or text, as
 // UTF-8. {"status", "encapsulation", "size"}.
 EMSCRIPTEN_KEEPALIVE const char* tnefViewerReadableRtf(ViewerStream* stream, int32_t html) {
-    const std::vector<uint8_t>& bytes = stream->output->bytes();
-    std::string_view rtf(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-    BytesSink sink;
-    tnefrtf::HostCodePageDecoder codePages(stream->input.host->context());
+    std::string rtf(stream->output.begin(), stream->output.end());
+    stream->output.clear();
+    BytesSink sink(stream->output);
+    tnefrtf::HostCodePageDecoder codePages(stream->host->context());
     tnefrtf::ConversionResult result = tnefrtf::convertRtf(
         rtf, html != 0 ? tnefrtf::OutputForm::kHtml : tnefrtf::OutputForm::kText, sink, &codePages);
-    stream->output = std::make_unique<tnefhost::MemoryIo>(std::move(sink.bytes));
     static const char* const kEncapsulations[] = {"unknown", "none", "html", "text"};
     ordered_json report = {{"status", tnefrtf::conversionStatusText(result.status)},
                            {"encapsulation", kEncapsulations[static_cast<int>(result.encapsulation)]},
-                           {"size", stream->output->bytes().size()}};
+                           {"size", stream->output.size()}};
     return answer(stream, report);
 }
 
 EMSCRIPTEN_KEEPALIVE const uint8_t* tnefViewerExtractedBytes(ViewerStream* stream) {
-    return stream->output ? stream->output->bytes().data() : nullptr;
+    return stream->output.data();
 }
 
 EMSCRIPTEN_KEEPALIVE void tnefViewerReleaseExtracted(ViewerStream* stream) {
-    stream->output.reset();
+    std::vector<uint8_t>().swap(stream->output);
 }
 
 // Converts text from charset `from` to charset `to` with the host's

@@ -1,31 +1,22 @@
-// The tool's read-ahead input and write-behind output: the bytes and
+// The client's read-ahead input and write-behind output: the bytes and
 // positions are those of the object underneath, in any pattern of calls,
-// with far fewer calls reaching it; and the tool extracts a large attachment
-// whole through them.
+// with far fewer calls reaching it.
 #include <gtest/gtest.h>
 
 #include <random>
 
-#include "cli/buffered_io.h"
-#include "tests/cli/cli_runner.h"
-#include "tests/support/reader_fixture.h"
+#include "client/buffered_io.h"
+#include "tests/support/tnef_writer.h"
 
 namespace tneftest {
 namespace {
 
-using tnefcli::ReadAheadIo;
-using tnefcli::WriteBehindIo;
+using tnefclient::ReadAheadIo;
+using tnefclient::WriteBehindIo;
 using tnefhost::IoOp;
 using tnefhost::MemoryIo;
 
 constexpr size_t kBuffer = 64 * 1024;
-
-Bytes randomBytes(size_t size, uint32_t seed) {
-    std::mt19937 random(seed);
-    Bytes bytes(size);
-    for (uint8_t& b : bytes) b = static_cast<uint8_t>(random());
-    return bytes;
-}
 
 Bytes readSome(IoObject* io, uint32_t count) {
     Bytes out(count);
@@ -197,21 +188,6 @@ TEST(WriteBehindIo, AFailedFlushFailsTheWriteThatNeededTheRoom) {
     inner.failOperation(IoOp::kWrite, 1);
     EXPECT_EQ(w->write(w, data.data(), 100), 0);
     EXPECT_TRUE(behind.failed());
-}
-
-TEST(CliLargeExtraction, AnAttachmentOfSeveralBuffersIsWrittenWhole) {
-    TempDir dir;
-    // Neither a multiple of the module's block nor of the tool's buffers.
-    Bytes data = randomBytes(3 * 1024 * 1024 + 4321, 12);
-    MessageLayout plan;
-    plan.body = "Body";
-    plan.attachments.push_back({"BIG.BIN", data, {}});
-    plan.attachments.push_back({"SMALL.TXT", bytesOf("after the big one"), {}});
-    std::string input = writeFile(dir.path() / "big.tnef", buildMessage(plan));
-    ToolRun run = runTool({"extract", input, "-C", dir / "out"});
-    ASSERT_EQ(run.exitCode, 0) << run.err;
-    EXPECT_EQ(readFile(dir / "out/BIG.BIN"), data);
-    EXPECT_EQ(readFile(dir / "out/SMALL.TXT"), bytesOf("after the big one"));
 }
 
 }  // namespace

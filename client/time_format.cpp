@@ -1,8 +1,9 @@
-#include "cli/time_format.h"
-
+// FILETIME as ISO 8601 UTC.
 #include <cstdio>
 
-namespace tnefcli {
+#include "client/tnef_client.h"
+
+namespace tnefclient {
 
 namespace {
 
@@ -22,8 +23,6 @@ void civilFromDays(int64_t z, int64_t* year, unsigned* month, unsigned* day) {
     *month = mp < 10 ? mp + 3 : mp - 9;
     *year = static_cast<int64_t>(yoe) + era * 400 + (*month <= 2 ? 1 : 0);
 }
-
-}  // namespace
 
 uint64_t fileTimeTicks(const uint8_t bytes[8]) {
     uint64_t ticks = 0;
@@ -46,10 +45,12 @@ std::string ticksToIso(uint64_t ticks) {
     return text;
 }
 
+}  // namespace
+
 std::optional<std::string> fileTimeToIso(const uint8_t bytes[8]) {
     uint64_t ticks = fileTimeTicks(bytes);
     if (ticks == 0) return std::nullopt;
     return ticksToIso(ticks);
 }
 
-}  // namespace tnefcli
+}  // namespace tnefclient

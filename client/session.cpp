@@ -1,14 +1,11 @@
-#include "cli/session.h"
-
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
+// The session over one open stream: opening the container, and every call
+// into the module, with what it hands back copied out and released.
 #include <cstring>
 
-#include "cli/buffered_io.h"
+#include "client/buffered_io.h"
+#include "client/tnef_client.h"
 
-namespace tnefcli {
+namespace tnefclient {
 
 namespace {
 
@@ -32,53 +29,17 @@ bool valueIsPointer(int32_t type) {
 constexpr uint32_t kMapiClsid = 0x0048;
 constexpr size_t kClsidBytes = 16;
 
-// Copies standard input into a scratch object that the module can seek in.
-std::unique_ptr<tnefhost::HostIo> spoolStandardInput(std::string* error) {
-    auto scratch = std::make_unique<tnefhost::ScratchIo>();
-    IoObject* io = scratch->io();
-    if (io->open(io) == 0) {
-        *error = "cannot create a scratch file for standard input";
-        return nullptr;
+uint32_t extractFlags(const ExtractSettings& settings) {
+    uint32_t flags = settings.noHeader ? kTnefExtractOmitHeader : 0u;
+    if (settings.body == BodyChoice::kHtml || settings.body == BodyChoice::kRtf) {
+        flags |= kTnefExtractPreferStoredBody;
     }
-    char buffer[65536];
-    for (;;) {
-        ssize_t n = ::read(STDIN_FILENO, buffer, sizeof buffer);
-        if (n < 0 && errno == EINTR) continue;
-        if (n < 0) {
-            *error = std::string("cannot read standard input: ") + std::strerror(errno);
-            return nullptr;
-        }
-        if (n == 0) break;
-        if (io->write(io, buffer, static_cast<uint32_t>(n)) == 0) {
-            *error = "cannot spool standard input to a scratch file";
-            return nullptr;
-        }
-    }
-    io->seek(io, 0, kSeekSet);
-    return scratch;
-}
-
-std::unique_ptr<tnefhost::HostIo> openFile(const std::string& path, std::string* error) {
-    struct stat info {};
-    if (::stat(path.c_str(), &info) != 0) {
-        *error = std::string("cannot read: ") + std::strerror(errno);
-        return nullptr;
-    }
-    if (S_ISDIR(info.st_mode)) {
-        *error = "cannot read: is a directory";
-        return nullptr;
-    }
-    if (::access(path.c_str(), R_OK) != 0) {
-        *error = std::string("cannot read: ") + std::strerror(errno);
-        return nullptr;
-    }
-    return std::make_unique<tnefhost::FileIo>(path, tnefhost::FileIo::Mode::kRead);
+    return flags;
 }
 
 }  // namespace
 
-Session::Session(const ReaderModule& module, tnefhost::PosixHost& host)
-    : module_(module), host_(host) {
+Session::Session(const ReaderModule& module, HostContext* host) : module_(module), host_(host) {
     resultMemory_.owner = this;
     resultMemory_.allocator = resultHeap_.allocator();
 }
@@ -87,24 +48,29 @@ Session::~Session() {
     if (container_ != nullptr) module_.table.tnefCloseContainer(container_);
 }
 
-Session::Opened Session::open(const std::string& file, bool rootEntry, std::string* error) {
-    rootEntry_ = rootEntry;
-    file_ = file == "-" ? spoolStandardInput(error) : openFile(file, error);
-    if (file_ == nullptr) return Opened::kUnreadable;
-    input_ = std::make_unique<ReadAheadIo>(*file_);
+Opened Session::start(std::unique_ptr<tnefhost::HostIo> source, bool readAhead,
+                      const OpenOptions& options, const std::string& label, std::string* error) {
+    rootEntry_ = options.rootEntry;
+    source_ = std::move(source);
+    if (source_ == nullptr) return Opened::kUnreadable;
+    IoObject* input = source_->io();
+    if (readAhead) {
+        input_ = std::make_unique<ReadAheadIo>(*source_);
+        input = input_->io();
+    }
     openStatus_ = -1;
-    container_ = module_.table.tnefOpenContainer(input_->io(), host(),
-                                                 rootEntry ? kTnefOpenRootEntry : 0u, 0, 0,
+    container_ = module_.table.tnefOpenContainer(input, host_,
+                                                 rootEntry_ ? kTnefOpenRootEntry : 0u, 0, 0,
                                                  &openStatus_);
     if (container_ == nullptr) {
-        *error = "cannot open " + (file == "-" ? std::string("standard input") : file);
+        *error = "cannot open " + label;
         return Opened::kUnreadable;
     }
     ContainerInfo info{};
     if (module_.table.tnefGetContainerInfo(container_, &info, results()) == kTnefOk) {
         subfileCount_ = info.subfileCount;
     }
-    int32_t objects = subfileCount_ - (rootEntry ? 1 : 0);
+    int32_t objects = subfileCount_ - (rootEntry_ ? 1 : 0);
     if (openStatus_ != kTnefOk && objects <= 0) {
         *error = "not a TNEF stream";
         return Opened::kNotTnef;
@@ -215,17 +181,16 @@ std::vector<Element> Session::properties(int32_t index, const std::vector<uint32
     return takeElements(result);
 }
 
-ExtractOutcome Session::extract(int32_t index, IoObject* output, uint32_t flags,
-                                CharsetId charset) {
+ExtractOutcome Session::extract(int32_t index, IoObject* output, const ExtractSettings& settings) {
     ExtractRequest request{};
-    request.outputCharset = charset;
+    request.outputCharset = settings.charset;
     ExtractOutcome outcome;
-    outcome.status =
-        module_.table.tnefExtractSubfile(container_, index, output, &request, results(), flags);
+    outcome.status = module_.table.tnefExtractSubfile(container_, index, output, &request,
+                                                      results(), extractFlags(settings));
     outcome.resultFlags = request.resultFlags;
     outcome.linkedPath = takeText(request.subfilePath);
     outcome.payloadName = takeText(request.subfileName);
     return outcome;
 }
 
-}  // namespace tnefcli
+}  // namespace tnefclient

@@ -1,10 +1,8 @@
-#include "cli/listing.h"
+// What a stream holds, as text: every subfile with its name as UTF-8, the
+// message's summary, and embedded messages listed in turn.
+#include "client/tnef_client.h"
 
-#include "cli/element_values.h"
-#include "cli/text_utf8.h"
-#include "cli/time_format.h"
-
-namespace tnefcli {
+namespace tnefclient {
 
 namespace {
 
@@ -23,9 +21,8 @@ SummaryText readSummary(Session& session) {
             }
             continue;
         }
-        nlohmann::ordered_json value = elementJson(session.host(), element, charset);
-        if (!value.is_string()) continue;
-        std::optional<std::string> decoded = value.get<std::string>();
+        std::optional<std::string> decoded = elementString(session.host(), element, charset);
+        if (!decoded) continue;
         if (name == "From") text.from = decoded;
         else if (name == "Sent") text.sent = decoded;
         else if (name == "To") text.to = decoded;
@@ -36,13 +33,24 @@ SummaryText readSummary(Session& session) {
     return text;
 }
 
-nlohmann::ordered_json orNull(const std::optional<std::string>& text) {
-    return text ? nlohmann::ordered_json(*text) : nlohmann::ordered_json(nullptr);
+std::shared_ptr<NestedListing> readNested(Session& parent, int32_t index) {
+    auto nested = std::make_shared<NestedListing>();
+    Session session(parent.module(), parent.host());
+    std::string error;
+    nested->opened = session.openEmbedded(parent, index, &error);
+    if (nested->opened != Opened::kUnreadable) nested->status = session.openStatus();
+    if (nested->opened != Opened::kOk) {
+        nested->error = error;
+        return nested;
+    }
+    if (session.openStatus() != kTnefOk) nested->error = statusText(session.openStatus());
+    nested->listing = readListing(session, true);
+    return nested;
 }
 
 }  // namespace
 
-Listing readListing(Session& session) {
+Listing readListing(Session& session, bool nested) {
     Listing listing;
     CharsetId charset = session.subfileCount() > 0 ? session.messageCharset() : 0;
     for (int32_t i = 0; i < session.subfileCount(); ++i) {
@@ -53,6 +61,10 @@ Listing readListing(Session& session) {
             subfile.name = eightBitToUtf8(session.host(), *subfile.entry.name, charset);
         }
         if (subfile.entry.type != kSubfileRoot) subfile.time = fileTimeToIso(subfile.entry.time);
+        if (nested && session.holdsEmbeddedMessage(i)) {
+            subfile.nested = readNested(session, i);
+            if (subfile.nested->error || !subfile.nested->listing.complete) listing.complete = false;
+        }
         listing.subfiles.push_back(std::move(subfile));
     }
     listing.summary = readSummary(session);
@@ -69,25 +81,10 @@ const char* subfileTypeName(int32_t type) {
     }
 }
 
-nlohmann::ordered_json summaryJson(const SummaryText& summary) {
-    return {{"from", orNull(summary.from)}, {"sent", orNull(summary.sent)},
-            {"to", orNull(summary.to)},     {"cc", orNull(summary.cc)},
-            {"bcc", orNull(summary.bcc)},   {"subject", orNull(summary.subject)},
-            {"importance", orNull(summary.importance)}};
+const char* importanceWord(int64_t value) {
+    if (value == 0) return "Low";
+    if (value == 2) return "High";
+    return "Normal";
 }
 
-nlohmann::ordered_json subfileJson(const ListedSubfile& subfile) {
-    const SubfileEntry& e = subfile.entry;
-    nlohmann::ordered_json out = {{"index", e.index},
-                          {"name", orNull(subfile.name)},
-                          {"type", subfileTypeName(e.type)},
-                          {"size", e.size},
-                          {"time", orNull(subfile.time)}};
-    if (e.hasCharset) out["charset"] = e.charset;
-    out["parentIndex"] = e.parentIndex;
-    if (!e.children.empty()) out["children"] = e.children;
-    if (e.status != kTnefOk) out["status"] = e.status;
-    return out;
-}
-
-}  // namespace tnefcli
+}  // namespace tnefclient

@@ -1,25 +1,7 @@
-#include "cli/body_form.h"
+// The form of a rendered message, told from its first bytes.
+#include "client/tnef_client.h"
 
-#include "reader/host.h"
-
-namespace tnefcli {
-
-const std::map<std::string, BodyChoice>& bodyChoiceNames() {
-    static const std::map<std::string, BodyChoice> names = {{"auto", BodyChoice::kAuto},
-                                                            {"text", BodyChoice::kText},
-                                                            {"html", BodyChoice::kHtml},
-                                                            {"rtf", BodyChoice::kRtf},
-                                                            {"none", BodyChoice::kNone}};
-    return names;
-}
-
-uint32_t extractFlags(BodyChoice choice, bool noHeader) {
-    uint32_t flags = noHeader ? kTnefExtractOmitHeader : 0u;
-    if (choice == BodyChoice::kHtml || choice == BodyChoice::kRtf) {
-        flags |= kTnefExtractPreferStoredBody;
-    }
-    return flags;
-}
+namespace tnefclient {
 
 BodyForm detectBodyForm(std::string_view head) {
     if (head.size() >= 3 && static_cast<unsigned char>(head[0]) == 0xEF &&
@@ -54,4 +36,4 @@ const char* bodyFormExtension(BodyForm form) {
     }
 }
 
-}  // namespace tnefcli
+}  // namespace tnefclient

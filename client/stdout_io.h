@@ -8,7 +8,7 @@
 
 #include "host/io_objects.h"
 
-namespace tnefcli {
+namespace tnefclient {
 
 class StdoutIo : public tnefhost::HostIo {
 public:
@@ -28,4 +28,4 @@ private:
     bool failed_ = false;
 };
 
-}  // namespace tnefcli
+}  // namespace tnefclient

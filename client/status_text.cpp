@@ -1,8 +1,7 @@
-#include "cli/status_text.h"
+// The module's status numbers in words.
+#include "client/tnef_client.h"
 
-#include "reader/host.h"
-
-namespace tnefcli {
+namespace tnefclient {
 
 std::string statusText(int32_t status) {
     const char* words = nullptr;
@@ -21,4 +20,4 @@ std::string statusText(int32_t status) {
     return std::string(words) + " (" + std::to_string(status) + ")";
 }
 
-}  // namespace tnefcli
+}  // namespace tnefclient

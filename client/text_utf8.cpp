@@ -1,9 +1,9 @@
-#include "cli/text_utf8.h"
-
-#include <cstdio>
+// Text from the module made into UTF-8.
 #include <vector>
 
-namespace tnefcli {
+#include "client/tnef_client.h"
+
+namespace tnefclient {
 
 namespace {
 
@@ -139,20 +139,4 @@ std::string_view withoutTrailingNuls(std::string_view text, bool sixteenBit) {
     return text;
 }
 
-std::string printable(std::string_view text) {
-    std::string out;
-    out.reserve(text.size());
-    for (char c : text) {
-        auto byte = static_cast<uint8_t>(c);
-        if (byte < 0x20 || byte == 0x7F) {
-            char escaped[8];
-            std::snprintf(escaped, sizeof escaped, "\\x%02X", byte);
-            out += escaped;
-        } else {
-            out += c;
-        }
-    }
-    return out;
-}
-
-}  // namespace tnefcli
+}  // namespace tnefclient

@@ -1,10 +1,10 @@
-#include "cli/stdout_io.h"
+#include "client/stdout_io.h"
 
 #include <unistd.h>
 
 #include <cerrno>
 
-namespace tnefcli {
+namespace tnefclient {
 
 bool StdoutIo::doWrite(const void* buffer, uint32_t count) {
     const auto* bytes = static_cast<const char*>(buffer);
@@ -28,4 +28,4 @@ bool StdoutIo::doSeek(int64_t offset, int32_t origin) {
     return (origin == kSeekSet && offset == written_) || (origin == kSeekEnd && offset == 0);
 }
 
-}  // namespace tnefcli
+}  // namespace tnefclient

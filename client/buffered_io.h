@@ -1,8 +1,8 @@
-// Buffering around the tool's input and output files. The module copies an
-// attachment through a 4096-byte block, one read and one write per block;
-// handed straight to a file, each is a system call, and each write also pays
-// the file system's per-call work. These wrappers turn them into calls of up
-// to kIoBufferBytes.
+// Buffering around a session's input and its extraction outputs. The module
+// copies an attachment through a 4096-byte block, one read and one write per
+// block; handed straight to a file, each is a system call, and each write
+// also pays the file system's per-call work. These wrappers turn them into
+// calls of up to kIoBufferBytes.
 #pragma once
 
 #include <algorithm>
@@ -12,7 +12,7 @@
 
 #include "host/io_objects.h"
 
-namespace tnefcli {
+namespace tnefclient {
 
 constexpr size_t kIoBufferBytes = 256 * 1024;
 
@@ -180,4 +180,4 @@ private:
     bool failed_ = false;
 };
 
-}  // namespace tnefcli
+}  // namespace tnefclient

@@ -1,5 +1,6 @@
-#include "cli/module_loader.h"
-
+// Finding and loading the reader module. The client reaches the module only
+// through the one exported function and the table it fills, as any host
+// that loads it would.
 #include <dlfcn.h>
 #include <unistd.h>
 
@@ -8,7 +9,9 @@
 #include <mutex>
 #include <vector>
 
-namespace tnefcli {
+#include "client/tnef_client.h"
+
+namespace tnefclient {
 
 namespace {
 
@@ -16,6 +19,8 @@ namespace fs = std::filesystem;
 
 constexpr const char* kModuleFile = "libtnefreader.so";
 constexpr const char* kExportName = "tnefGetContainerReaderInterfaceEx";
+// Where an installation keeps the module, from the folder above bin/.
+constexpr const char* kInstalledFolder = "lib/tnef-reader";
 
 fs::path executableFolder() {
     std::error_code ec;
@@ -29,6 +34,7 @@ std::vector<std::string> candidates() {
     if (!exe.empty()) {
         paths.push_back((exe.parent_path() / kModuleFile).string());
         paths.push_back((exe / kModuleFile).string());
+        paths.push_back((exe.parent_path() / kInstalledFolder / kModuleFile).string());
     }
     if (const char* env = std::getenv("TNEF_MODULE"); env != nullptr && *env != '\0') {
         std::error_code ec;
@@ -81,7 +87,7 @@ void loadOnce(LoadState& state) {
 
 }  // namespace
 
-const ReaderModule* loadReaderModule(std::string* error) {
+const ReaderModule* ReaderModule::load(std::string* error) {
     static LoadState state;
     static std::once_flag once;
     std::call_once(once, [] { loadOnce(state); });
@@ -89,4 +95,20 @@ const ReaderModule* loadReaderModule(std::string* error) {
     return state.loaded ? &state.module : nullptr;
 }
 
-}  // namespace tnefcli
+ReaderModule ReaderModule::linked(TnefGetInterfaceFn entry, std::string folder) {
+    ReaderModule module;
+    entry(&module.table);
+    module.folder = std::move(folder);
+    return module;
+}
+
+std::unique_ptr<tnefhost::PosixHost> makeHost(const ReaderModule& module,
+                                              const std::string& logPrefix) {
+    tnefhost::HostOptions options;
+    options.libraryDir = module.folder;
+    options.logToStderr = true;
+    options.logPrefix = logPrefix;
+    return std::make_unique<tnefhost::PosixHost>(options);
+}
+
+}  // namespace tnefclient
