@@ -1,4 +1,4 @@
-// tnef-reader batch INPUT... -C DIR [--jobs N] [--overwrite] [--json]
+// tnef-reader batch INPUT... -C DIR [--jobs N] [--overwrite] [--no-recurse] [--json]
 #include <algorithm>
 #include <atomic>
 #include <cstdio>
@@ -31,6 +31,7 @@ struct BatchOptions {
     std::string folder;
     unsigned jobs = 0;
     bool overwrite = false;
+    bool noRecurse = false;
     bool json = false;
 };
 
@@ -99,6 +100,7 @@ void extractItem(OpenedInput& input, BatchItem& item, const BatchOptions& option
     ExtractOptions extract;
     extract.folder = item.folder;
     extract.overwrite = options.overwrite;
+    extract.recurse = !options.noRecurse;
     Listing listing = readListing(*input.session);
     item.report = extractSubfiles(*input.session, listing, extract);
     item.exitCode = input.error || !item.report.complete ? kExitPartial : kExitOk;
@@ -170,6 +172,20 @@ const char* outcomeWord(const BatchItem& item) {
     }
 }
 
+// A line for every subfile that was not written, and for every embedded
+// message that could not be read, at every depth.
+void printProblems(const ExtractReport& report, const std::string& prefix) {
+    for (const WrittenFile& file : report.written) {
+        std::string index = prefix + std::to_string(file.index);
+        if (!file.path) std::printf("\n        subfile %s: %s", index.c_str(), file.error.value_or("").c_str());
+        if (file.nested == nullptr) continue;
+        if (file.nested->error) {
+            std::printf("\n        embedded message %s: %s", index.c_str(), file.nested->error->c_str());
+        }
+        printProblems(file.nested->report, index + "/");
+    }
+}
+
 void printItems(const std::vector<BatchItem>& items) {
     for (const BatchItem& item : items) {
         size_t written = 0;
@@ -181,11 +197,7 @@ void printItems(const std::vector<BatchItem>& items) {
                         written, item.report.links.size());
         }
         if (item.error) std::printf(": %s", item.error->c_str());
-        for (const WrittenFile& file : item.report.written) {
-            if (!file.path) {
-                std::printf("\n        subfile %d: %s", file.index, file.error.value_or("").c_str());
-            }
-        }
+        printProblems(item.report, "");
         std::printf("\n");
     }
 }
@@ -277,6 +289,8 @@ void addBatchCommand(CLI::App& app, int& exitCode) {
     batch->add_option("-j,--jobs", options->jobs, "Parallel workers (default: the core count)")
         ->check(CLI::PositiveNumber);
     batch->add_flag("--overwrite", options->overwrite, "Replace files that already exist");
+    batch->add_flag("--no-recurse", options->noRecurse,
+                    "Write embedded messages as their TNEF streams, NAME.tnef");
     batch->add_flag("--json", options->json, "Write the report as JSON");
     batch->callback([options, &exitCode] { exitCode = runBatch(*options); });
 }

@@ -1,5 +1,5 @@
 // tnef-reader extract FILE [-C DIR] [--only N ...] [--body auto|text|html|rtf|none]
-//                          [--charset NAME] [--no-header] [--overwrite] [--json]
+//                          [--charset NAME] [--no-header] [--overwrite] [--no-recurse] [--json]
 #include <cstdio>
 #include <filesystem>
 #include <memory>
@@ -31,22 +31,32 @@ struct ExtractCommandOptions {
     std::string charset;
     bool noHeader = false;
     bool overwrite = false;
+    bool noRecurse = false;
     bool json = false;
 };
 
-void printReport(const ExtractReport& report) {
-    for (const WrittenFile& file : report.written) {
-        if (file.path) {
-            std::printf("%s (%lld bytes)\n", printable(*file.path).c_str(),
-                        static_cast<long long>(file.bytes));
+// What was written, one line per file on stdout; what was not, on stderr.
+// `prefix` leads the indices inside an embedded message ("2/").
+void printReport(const std::string& file, const ExtractReport& report, const std::string& prefix) {
+    for (const WrittenFile& written : report.written) {
+        std::string index = prefix + std::to_string(written.index);
+        const NestedReport* nested = written.nested.get();
+        if (nested != nullptr && nested->error) {
+            warnNested(file, index, nested->opened, *nested->error);
+        }
+        if (!written.path) {
+            std::fprintf(stderr, "tnef-reader: subfile %s (%s): %s\n", index.c_str(),
+                         printable(written.name.value_or("no name")).c_str(),
+                         written.error.value_or("not written").c_str());
+        } else if (nested != nullptr && nested->opened == Opened::kOk) {
+            printReport(file, nested->report, index + "/");
         } else {
-            std::fprintf(stderr, "tnef-reader: subfile %d (%s): %s\n", file.index,
-                         printable(file.name.value_or("no name")).c_str(),
-                         file.error.value_or("not written").c_str());
+            std::printf("%s (%lld bytes)\n", printable(*written.path).c_str(),
+                        static_cast<long long>(written.bytes));
         }
     }
     for (const LinkedFile& link : report.links) {
-        std::printf("subfile %d links to %s (not written)\n", link.index,
+        std::printf("subfile %s links to %s (not written)\n", (prefix + std::to_string(link.index)).c_str(),
                     printable(link.path).c_str());
     }
 }
@@ -76,6 +86,7 @@ int runExtract(const ExtractCommandOptions& options) {
     extract.message.charset = charsetFromName(options.charset);
     extract.message.noHeader = options.noHeader;
     extract.overwrite = options.overwrite;
+    extract.recurse = !options.noRecurse;
     Listing listing = readListing(session);
     ExtractReport report = extractSubfiles(session, listing, extract);
 
@@ -87,7 +98,7 @@ int runExtract(const ExtractCommandOptions& options) {
         printJson(document);
     } else {
         warnDamaged(options.file, input);
-        printReport(report);
+        printReport(options.file, report, "");
     }
     return input.error || !report.complete ? kExitPartial : kExitOk;
 }
@@ -118,6 +129,9 @@ void addExtractCommand(CLI::App& app, int& exitCode) {
     extract->add_flag("--no-header", options->noHeader,
                       "Write the message body without the From/Sent/To summary header");
     extract->add_flag("--overwrite", options->overwrite, "Replace files that already exist");
+    extract->add_flag("--no-recurse", options->noRecurse,
+                      "Write an embedded message as its TNEF stream, NAME.tnef, instead of a "
+                      "folder NAME with its message and attachments");
     extract->add_flag("--json", options->json, "Report what was written as JSON");
     extract->callback([options, &exitCode] { exitCode = runExtract(*options); });
 }

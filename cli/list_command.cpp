@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "cli/commands.h"
 #include "cli/exit_codes.h"
@@ -25,7 +26,28 @@ struct ListOptions {
     PartChoice part;
 };
 
-void printTable(const Listing& listing) {
+// One line of the table: a subfile and its index path ("2/1").
+struct Row {
+    std::string index;
+    const ListedSubfile* subfile;
+};
+
+// The rows of `listing`, each embedded message followed by its own rows;
+// what could not be read of an embedded message is told on stderr.
+void collectRows(const std::string& file, const Listing& listing, const std::string& prefix,
+                 std::vector<Row>& rows) {
+    for (const ListedSubfile& s : listing.subfiles) {
+        std::string index = prefix + std::to_string(s.entry.index);
+        rows.push_back({index, &s});
+        if (!s.nested) continue;
+        if (s.nested->error) warnNested(file, index, s.nested->opened, *s.nested->error);
+        collectRows(file, s.nested->listing, index + "/", rows);
+    }
+}
+
+void printTable(const std::string& file, const Listing& listing) {
+    std::vector<Row> rows;
+    collectRows(file, listing, "", rows);
     const auto& summary = listing.summary;
     auto line = [](const char* label, const std::optional<std::string>& value) {
         std::printf("%-9s %s\n", label, value ? printable(*value).c_str() : "-");
@@ -36,24 +58,27 @@ void printTable(const Listing& listing) {
     line("Subject:", summary.subject);
     std::printf("\n");
 
+    int indexWidth = 5;
     int sizeWidth = 4;
-    for (const ListedSubfile& s : listing.subfiles) {
-        sizeWidth = std::max(sizeWidth, static_cast<int>(std::to_string(s.entry.size).size()));
+    for (const Row& row : rows) {
+        indexWidth = std::max(indexWidth, static_cast<int>(row.index.size()));
+        sizeWidth = std::max(sizeWidth, static_cast<int>(std::to_string(row.subfile->entry.size).size()));
     }
-    std::printf("%5s  %-10s  %*s  %-20s  %s\n", "Index", "Type", sizeWidth, "Size", "Time", "Name");
-    for (const ListedSubfile& s : listing.subfiles) {
+    std::printf("%*s  %-10s  %*s  %-20s  %s\n", indexWidth, "Index", "Type", sizeWidth, "Size",
+                "Time", "Name");
+    for (const Row& row : rows) {
+        const ListedSubfile& s = *row.subfile;
         std::string name = s.name ? printable(*s.name) : "(no name: " + statusText(s.entry.status) + ")";
-        std::printf("%5d  %-10s  %*d  %-20s  %s\n", s.entry.index, subfileTypeName(s.entry.type),
-                    sizeWidth, s.entry.size, s.time.value_or("-").c_str(), name.c_str());
+        std::printf("%*s  %-10s  %*d  %-20s  %s\n", indexWidth, row.index.c_str(),
+                    subfileTypeName(s.entry.type), sizeWidth, s.entry.size,
+                    s.time.value_or("-").c_str(), name.c_str());
     }
 }
 
 // The summary and subfiles of an opened stream, after the keys in `report`.
 void addListing(nlohmann::ordered_json& report, const Listing& listing) {
     report["summary"] = summaryJson(listing.summary);
-    nlohmann::ordered_json subfiles = nlohmann::ordered_json::array();
-    for (const ListedSubfile& s : listing.subfiles) subfiles.push_back(subfileJson(s));
-    report["subfiles"] = subfiles;
+    report["subfiles"] = subfilesJson(listing);
 }
 
 void printPartHead(const tnefmail::TnefPart& part) {
@@ -81,7 +106,7 @@ int listMail(const ListOptions& options, InputSource& source) {
             if (options.part && part.number != *options.part) return;
             ++listed;
             Listing listing;
-            if (input.usable()) listing = readListing(*input.session);
+            if (input.usable()) listing = readListing(*input.session, true);
             partial = partial || !input.usable() || input.error || !listing.complete;
             if (options.json) {
                 nlohmann::ordered_json entry = partJson(part);
@@ -98,7 +123,7 @@ int listMail(const ListOptions& options, InputSource& source) {
                 return;
             }
             warnDamaged(options.file, input);
-            printTable(listing);
+            printTable(options.file, listing);
         });
     std::optional<std::string> problem;
     if (scan.parts == 0) problem = noTnefText(scan);
@@ -122,14 +147,14 @@ int runList(const ListOptions& options) {
     if (source.isMail()) return listMail(options, source);
     OpenedInput input = openInput(source, options.root);
     if (!input.usable()) return reportUnusable(options.file, input, options.json);
-    Listing listing = readListing(*input.session);
+    Listing listing = readListing(*input.session, true);
     if (options.json) {
         auto report = fileReportHead(options.file, input.status, input.error);
         addListing(report, listing);
         printJson(report);
     } else {
         warnDamaged(options.file, input);
-        printTable(listing);
+        printTable(options.file, listing);
     }
     return input.error || !listing.complete ? kExitPartial : kExitOk;
 }

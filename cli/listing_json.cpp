@@ -10,13 +10,15 @@ nlohmann::ordered_json orNull(const std::optional<std::string>& text) {
     return text ? nlohmann::ordered_json(*text) : nlohmann::ordered_json(nullptr);
 }
 
-}  // namespace
-
-nlohmann::ordered_json summaryJson(const SummaryText& summary) {
-    return {{"from", orNull(summary.from)}, {"sent", orNull(summary.sent)},
-            {"to", orNull(summary.to)},     {"cc", orNull(summary.cc)},
-            {"bcc", orNull(summary.bcc)},   {"subject", orNull(summary.subject)},
-            {"importance", orNull(summary.importance)}};
+nlohmann::ordered_json nestedJson(const NestedListing& nested) {
+    nlohmann::ordered_json out;
+    out["status"] = nested.status ? nlohmann::ordered_json(*nested.status) : nullptr;
+    out["error"] = orNull(nested.error);
+    if (nested.opened == Opened::kOk) {
+        out["summary"] = summaryJson(nested.listing.summary);
+        out["subfiles"] = subfilesJson(nested.listing);
+    }
+    return out;
 }
 
 nlohmann::ordered_json subfileJson(const ListedSubfile& subfile) {
@@ -30,7 +32,23 @@ nlohmann::ordered_json subfileJson(const ListedSubfile& subfile) {
     out["parentIndex"] = e.parentIndex;
     if (!e.children.empty()) out["children"] = e.children;
     if (e.status != kTnefOk) out["status"] = e.status;
+    if (subfile.nested) out["nested"] = nestedJson(*subfile.nested);
     return out;
+}
+
+}  // namespace
+
+nlohmann::ordered_json summaryJson(const SummaryText& summary) {
+    return {{"from", orNull(summary.from)}, {"sent", orNull(summary.sent)},
+            {"to", orNull(summary.to)},     {"cc", orNull(summary.cc)},
+            {"bcc", orNull(summary.bcc)},   {"subject", orNull(summary.subject)},
+            {"importance", orNull(summary.importance)}};
+}
+
+nlohmann::ordered_json subfilesJson(const Listing& listing) {
+    nlohmann::ordered_json subfiles = nlohmann::ordered_json::array();
+    for (const ListedSubfile& subfile : listing.subfiles) subfiles.push_back(subfileJson(subfile));
+    return subfiles;
 }
 
 }  // namespace tnefcli

@@ -8,6 +8,9 @@
 namespace tnefcli {
 
 nlohmann::ordered_json summaryJson(const tnefclient::SummaryText& summary);
-nlohmann::ordered_json subfileJson(const tnefclient::ListedSubfile& subfile);
+// Every subfile; an embedded message carries its own listing under
+// "nested": {"status", "error", "summary", "subfiles"}, the last two only
+// when it could be opened.
+nlohmann::ordered_json subfilesJson(const tnefclient::Listing& listing);
 
 }  // namespace tnefcli

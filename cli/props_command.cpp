@@ -1,4 +1,5 @@
-// tnef-reader props FILE [--index N] [--tag TAG ...] [--json]
+// tnef-reader props FILE [--index N[/N...]] [--tag TAG ...] [--json]
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 #include <optional>
@@ -8,6 +9,7 @@
 #include "cli/commands.h"
 #include "cli/element_values.h"
 #include "cli/exit_codes.h"
+#include "cli/index_path.h"
 #include "cli/mail_parts.h"
 #include "cli/json_output.h"
 #include "cli/open_input.h"
@@ -22,7 +24,7 @@ namespace {
 struct PropsOptions {
     std::string file;
     PartChoice part;
-    std::optional<int32_t> index;
+    std::optional<std::string> index;
     std::vector<std::string> tags;
     bool json = false;
 };
@@ -118,14 +120,13 @@ int runProps(const PropsOptions& options) {
     for (const std::string& text : options.tags) tags.push_back(*parseTag(text));
     OpenedInput input = openInput(options.file, false, options.part);
     if (!input.usable()) return reportUnusable(options.file, input, options.json);
-    Session& session = *input.session;
-    int32_t index = options.index.value_or(session.messageIndex());
-    if (index < 0) index = 0;
-    if (index >= session.subfileCount()) {
-        printError(options.file, "no subfile " + std::to_string(index) + " (the stream has " +
-                                     std::to_string(session.subfileCount()) + ")");
-        return kExitUsage;
-    }
+    IndexPath path = options.index ? *parseIndexPath(*options.index)
+                                   : IndexPath{std::max(input.session->messageIndex(), 0)};
+    PathTarget target = followIndexPath(*input.session, path);
+    if (target.error) printError(options.file, *target.error);
+    if (target.exitCode != 0) return target.exitCode;
+    Session& session = *target.session;
+    int32_t index = target.index;
     CharsetId charset = session.messageCharset();
     int32_t status = 0;
     std::vector<Element> elements =
@@ -136,12 +137,14 @@ int runProps(const PropsOptions& options) {
         auto report = fileReportHead(options.file, input.status, input.error);
         addPartKey(report, input);
         report["index"] = index;
+        if (path.size() > 1) report["indexPath"] = indexPathText(path);
         report["queryStatus"] = status;
         report["properties"] = linesJson(session, lines, charset);
         printJson(report);
     } else {
         if (tags.empty() && elements.empty() && status == kTnefOk) {
-            std::printf("subfile %d has no summary; ask for properties with --tag\n", index);
+            std::printf("subfile %s has no summary; ask for properties with --tag\n",
+                        indexPathText(path).c_str());
         }
         printLines(session, lines, charset);
         // The report's lines come whole before any warning, also where both
@@ -149,7 +152,7 @@ int runProps(const PropsOptions& options) {
         warnDamaged(options.file, input);
         if (status != kTnefOk) printError(options.file, "metadata query: " + statusText(status));
     }
-    return input.error || status != kTnefOk ? kExitPartial : kExitOk;
+    return input.error || target.error || status != kTnefOk ? kExitPartial : kExitOk;
 }
 
 }  // namespace
@@ -161,8 +164,9 @@ void addPropsCommand(CLI::App& app, int& exitCode) {
     props->add_option("FILE", options->file, kFileHelp)->required();
     addPartOption(*props, options->part);
     props->add_option("--index", options->index,
-                      "Subfile to query (as numbered by list; default: the message)")
-        ->check(CLI::NonNegativeNumber);
+                      "Subfile to query, as numbered by list (2, or 2/0 inside the message "
+                      "embedded as 2; default: the message)")
+        ->check(indexPathValidator());
     props->add_option("--tag", options->tags,
                       "Property tag to fetch, such as 0x0037001E (subject, 8-bit); repeatable")
         ->expected(1)

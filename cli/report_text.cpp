@@ -28,6 +28,16 @@ void warnDamaged(const std::string& file, const OpenedInput& input) {
     if (input.error) printError(file, "damaged stream: " + *input.error + "; reading what can be had");
 }
 
+void warnNested(const std::string& file, const std::string& where, tnefclient::Opened opened,
+                const std::string& error) {
+    std::string what = "embedded message " + where + ": ";
+    if (opened == tnefclient::Opened::kOk) {
+        printError(file, what + "damaged stream: " + error + "; reading what can be had");
+    } else {
+        printError(file, what + error);
+    }
+}
+
 std::string printable(std::string_view text) {
     std::string out;
     out.reserve(text.size());

@@ -19,6 +19,11 @@ int reportUnusable(const std::string& file, const OpenedInput& input, bool json)
 // Tells on stderr that a stream is damaged and only partly read.
 void warnDamaged(const std::string& file, const OpenedInput& input);
 
+// Tells on stderr that the embedded message `where` ("2/1") is damaged and
+// only partly read (`opened` kOk), or could not be opened at all.
+void warnNested(const std::string& file, const std::string& where, tnefclient::Opened opened,
+                const std::string& error);
+
 // UTF-8 made safe to print on a terminal: control characters are shown as
 // \xNN so that a name can't move the cursor or change colours.
 std::string printable(std::string_view text);

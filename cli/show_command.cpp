@@ -1,14 +1,16 @@
-// tnef-reader show FILE [--format auto|text|html|rtf] [--charset NAME] [--no-header]
+// tnef-reader show FILE [--format auto|text|html|rtf] [--charset NAME] [--no-header] [--index N[/N...]]
 #include <unistd.h>
 
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "cli/body_option.h"
 #include "cli/charset_option.h"
 #include "cli/commands.h"
 #include "cli/exit_codes.h"
+#include "cli/index_path.h"
 #include "cli/mail_parts.h"
 #include "cli/open_input.h"
 #include "cli/report_text.h"
@@ -26,18 +28,42 @@ struct ShowOptions {
     std::string format = "auto";
     std::string charset;
     bool noHeader = false;
+    std::optional<std::string> index;
 };
+
+// The message that `index` names: a message subfile, or the message of an
+// embedded message; without `index`, the stream's message.
+PathTarget findMessage(Session& top, const std::optional<std::string>& index) {
+    PathTarget target;
+    target.session = &top;
+    std::string where = "the stream";
+    if (index) {
+        target = followIndexPath(top, *parseIndexPath(*index));
+        if (target.exitCode != 0) return target;
+        if (target.session->subfile(target.index).type == kSubfileMessage) return target;
+        if (!target.session->holdsEmbeddedMessage(target.index)) {
+            target.exitCode = kExitUsage;
+            target.error = "subfile " + *index + " is not a message";
+            return target;
+        }
+        if (!enterEmbeddedMessage(target, *index)) return target;
+        where = "embedded message " + *index;
+    }
+    target.index = target.session->messageIndex();
+    if (target.index < 0) {
+        target.exitCode = kExitPartial;
+        target.error = where + " holds no message";
+    }
+    return target;
+}
 
 int runShow(const ShowOptions& options) {
     OpenedInput input = openInput(options.file, false, options.part);
     if (!input.usable()) return reportUnusable(options.file, input, false);
     warnDamaged(options.file, input);
-    Session& session = *input.session;
-    int32_t message = session.messageIndex();
-    if (message < 0) {
-        printError(options.file, "the stream holds no message");
-        return kExitPartial;
-    }
+    PathTarget message = findMessage(*input.session, options.index);
+    if (message.error) printError(options.file, *message.error);
+    if (message.exitCode != 0) return message.exitCode;
     // Text for a terminal is UTF-8 unless asked otherwise; text for a pipe
     // or a file stays in the charset the module gives it.
     ExtractSettings settings;
@@ -49,7 +75,7 @@ int runShow(const ShowOptions& options) {
     }
     std::fflush(stdout);
     StdoutIo output;
-    ExtractOutcome outcome = session.extract(message, output.io(), settings);
+    ExtractOutcome outcome = message.session->extract(message.index, output.io(), settings);
     if (output.failed()) {
         printError(options.file, "cannot write to standard output");
         return kExitPartial;
@@ -58,7 +84,7 @@ int runShow(const ShowOptions& options) {
         printError(options.file, "the message can't be rendered: " + statusText(outcome.status));
         return kExitPartial;
     }
-    return input.error ? kExitPartial : kExitOk;
+    return input.error || message.error ? kExitPartial : kExitOk;
 }
 
 }  // namespace
@@ -77,6 +103,10 @@ void addShowCommand(CLI::App& app, int& exitCode) {
         ->check(charsetNameValidator())
         ->option_text("NAME");
     show->add_flag("--no-header", options->noHeader, "Show the body without the summary header");
+    show->add_option("--index", options->index,
+                     "The message to show: a message subfile or an embedded message, as numbered "
+                     "by list (2, or 2/0 inside the message embedded as 2)")
+        ->check(indexPathValidator());
     show->callback([options, &exitCode] { exitCode = runShow(*options); });
 }
 

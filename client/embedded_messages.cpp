@@ -31,38 +31,26 @@ bool Session::holdsEmbeddedMessage(int32_t index) {
 
 Opened Session::openEmbedded(Session& parent, int32_t index, std::string* error) {
     depth_ = parent.depth_ + 1;
-    std::string where = "embedded message " + std::to_string(index);
     if (depth_ > kMaxNestingDepth) {
-        *error = where + ": messages nested deeper than " + std::to_string(kMaxNestingDepth) +
-                 " levels are not opened";
-        return Opened::kNotTnef;
+        *error = "nested deeper than " + std::to_string(kMaxNestingDepth) + " messages";
+        return Opened::kUnreadable;
     }
     // The stream goes to a scratch file, not to memory: an embedded message
-    // may carry large attachments of its own.
-    // The module closes its output when done, and a scratch file is gone
-    // once closed, so the module writes through a wrapper that keeps it open.
+    // may carry large attachments of its own. The module closes its output
+    // when done, and a scratch file is gone once closed, so the module
+    // writes through a wrapper that keeps it open.
     auto scratch = std::make_unique<tnefhost::ScratchIo>();
     tnefhost::WrapperIo output(scratch->io());
     ExtractOutcome outcome = parent.extract(index, output.io());
-    if (outcome.status != kTnefOk) {
-        *error = where + " can't be extracted: " + statusText(outcome.status);
+    IoObject* io = scratch->io();
+    if (outcome.status != kTnefOk || !scratch->isOpen() || io->seek(io, 0, kSeekSet) == 0) {
+        *error = "can't be extracted: " + statusText(outcome.status);
         return Opened::kUnreadable;
     }
-    IoObject* io = scratch->io();
     io->size = output.io()->size;
-    char head[4] = {};
-    bool read = scratch->isOpen() && io->seek(io, 0, kSeekSet) != 0 &&
-                io->read(io, head, sizeof head) == sizeof head;
-    if (!read || !startsWithTnefSignature(std::string_view(head, sizeof head))) {
-        *error = where + " is not a TNEF stream";
-        return Opened::kNotTnef;
-    }
-    io->seek(io, 0, kSeekSet);
     OpenOptions options;
     options.rootEntry = parent.rootEntry_;
-    Opened opened = start(std::move(scratch), true, options, where, error);
-    if (opened == Opened::kNotTnef) *error = where + " is not a TNEF stream";
-    return opened;
+    return start(std::move(scratch), true, options, "the embedded message", error);
 }
 
 }  // namespace tnefclient

@@ -38,12 +38,12 @@ std::shared_ptr<NestedListing> readNested(Session& parent, int32_t index) {
     Session session(parent.module(), parent.host());
     std::string error;
     nested->opened = session.openEmbedded(parent, index, &error);
+    if (nested->opened != Opened::kUnreadable) nested->status = session.openStatus();
     if (nested->opened != Opened::kOk) {
         nested->error = error;
         return nested;
     }
-    nested->openStatus = session.openStatus();
-    if (nested->openStatus != kTnefOk) nested->error = statusText(nested->openStatus);
+    if (session.openStatus() != kTnefOk) nested->error = statusText(session.openStatus());
     nested->listing = readListing(session, true);
     return nested;
 }

@@ -24,8 +24,6 @@ void civilFromDays(int64_t z, int64_t* year, unsigned* month, unsigned* day) {
     *year = static_cast<int64_t>(yoe) + era * 400 + (*month <= 2 ? 1 : 0);
 }
 
-}  // namespace
-
 uint64_t fileTimeTicks(const uint8_t bytes[8]) {
     uint64_t ticks = 0;
     for (int i = 7; i >= 0; --i) ticks = (ticks << 8) | bytes[i];
@@ -46,6 +44,8 @@ std::string ticksToIso(uint64_t ticks) {
                   static_cast<unsigned>(rest / 60 % 60), static_cast<unsigned>(rest % 60));
     return text;
 }
+
+}  // namespace
 
 std::optional<std::string> fileTimeToIso(const uint8_t bytes[8]) {
     uint64_t ticks = fileTimeTicks(bytes);

@@ -19,7 +19,7 @@
 //     tnefclient::Session session(*module, host->context());
 //     if (session.open("winmail.dat", {}, &error) != tnefclient::Opened::kOk) fail(error);
 //     // session.openStatus() != 0: damaged, but what was read can be had.
-//     tnefclient::Listing listing = tnefclient::readListing(session);
+//     tnefclient::Listing listing = tnefclient::readListing(session, /*nested=*/true);
 //     std::vector<uint8_t> body;
 //     session.extractToMemory(session.messageIndex(), &body, {tnefclient::BodyChoice::kHtml});
 //     for (const tnefclient::ListedSubfile& s : listing.subfiles) {
@@ -186,8 +186,8 @@ public:
                   std::string* error);
     // The embedded message at `index` of `parent` (see holdsEmbeddedMessage),
     // as a stream of its own, one level deeper, with the parent's options.
-    // Past kMaxNestingDepth, or when the subfile is no TNEF stream, gives
-    // kNotTnef.
+    // Gives kUnreadable past kMaxNestingDepth or when the subfile can't be
+    // extracted, kNotTnef when it holds no TNEF stream.
     Opened openEmbedded(Session& parent, int32_t index, std::string* error);
 
     const ReaderModule& module() const { return module_; }
@@ -271,14 +271,16 @@ struct ListedSubfile {
 struct Listing {
     std::vector<ListedSubfile> subfiles;
     SummaryText summary;
-    bool complete = true;  // every subfile, at every depth, could be described and opened
+    // Every subfile could be described; with `nested`, also every embedded
+    // message opened, undamaged, and complete in turn.
+    bool complete = true;
 };
 
 struct NestedListing {
     Opened opened = Opened::kOk;
-    int32_t openStatus = 0;       // of the nested stream, when opened is kOk
+    std::optional<int32_t> status;     // the module's open status; null when it was never asked
     std::optional<std::string> error;  // why it is damaged or could not be opened
-    Listing listing;              // empty unless opened is kOk
+    Listing listing;                   // empty unless opened is kOk
 };
 
 // Reads every subfile and the message's summary. With `nested`, every
@@ -310,7 +312,5 @@ std::string_view withoutTrailingNuls(std::string_view text, bool sixteenBit);
 // FILETIME (100-ns ticks since 1601-01-01 UTC, little-endian) as ISO 8601:
 // "2009-05-04T10:20:30Z"; null for the all-zero time, which means none.
 std::optional<std::string> fileTimeToIso(const uint8_t bytes[8]);
-uint64_t fileTimeTicks(const uint8_t bytes[8]);
-std::string ticksToIso(uint64_t ticks);
 
 }  // namespace tnefclient

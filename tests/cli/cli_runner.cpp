@@ -43,9 +43,14 @@ Json ToolRun::json() const {
 }
 
 ToolRun runTool(const std::vector<std::string>& args, const std::string& stdinFile, bool mergeErr) {
+    return runProgram(TNEF_CLI_PATH, args, stdinFile, mergeErr);
+}
+
+ToolRun runProgram(const std::string& program, const std::vector<std::string>& args,
+                   const std::string& stdinFile, bool mergeErr) {
     TempDir scratch;
     std::string errPath = scratch / "stderr";
-    std::string command = shellQuoted(TNEF_CLI_PATH);
+    std::string command = shellQuoted(program);
     for (const std::string& arg : args) command += " " + shellQuoted(arg);
     command += " <" + shellQuoted(stdinFile.empty() ? "/dev/null" : stdinFile) + (mergeErr ? " 2>&1" : " 2>" + shellQuoted(errPath));
     ToolRun run;

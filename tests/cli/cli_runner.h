@@ -24,6 +24,9 @@ struct ToolRun {
 // else from /dev/null. With `mergeErr`, stderr goes into `out` as well.
 ToolRun runTool(const std::vector<std::string>& args, const std::string& stdinFile = "",
                 bool mergeErr = false);
+// Runs `program` (a path, or a name looked up on $PATH) the same way.
+ToolRun runProgram(const std::string& program, const std::vector<std::string>& args,
+                   const std::string& stdinFile = "", bool mergeErr = false);
 
 // A fresh folder, removed with everything in it at the end of the scope.
 class TempDir {

@@ -2,20 +2,11 @@
 // write-behind buffers whole.
 #include <gtest/gtest.h>
 
-#include <random>
-
 #include "tests/cli/cli_runner.h"
 #include "tests/support/reader_fixture.h"
 
 namespace tneftest {
 namespace {
-
-Bytes randomBytes(size_t size, uint32_t seed) {
-    std::mt19937 random(seed);
-    Bytes bytes(size);
-    for (uint8_t& b : bytes) b = static_cast<uint8_t>(random());
-    return bytes;
-}
 
 TEST(CliLargeExtraction, AnAttachmentOfSeveralBuffersIsWrittenWhole) {
     TempDir dir;

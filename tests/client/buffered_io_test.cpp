@@ -18,13 +18,6 @@ using tnefhost::MemoryIo;
 
 constexpr size_t kBuffer = 64 * 1024;
 
-Bytes randomBytes(size_t size, uint32_t seed) {
-    std::mt19937 random(seed);
-    Bytes bytes(size);
-    for (uint8_t& b : bytes) b = static_cast<uint8_t>(random());
-    return bytes;
-}
-
 Bytes readSome(IoObject* io, uint32_t count) {
     Bytes out(count);
     int32_t got = io->read(io, out.data(), count);

@@ -1,6 +1,7 @@
 // The client over a module linked into the program: a stream opened from
-// memory, embedded messages listed and extracted at every depth, outputs,
-// and embedded messages that can't be read.
+// memory, embedded messages listed and extracted at every depth, and the
+// memory and file outputs. (Embedded messages that can't be read are
+// tested through the tool, in tests/cli/embedded_messages_test.cpp.)
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -13,15 +14,6 @@ namespace tneftest {
 namespace {
 
 using namespace tnefclient;
-
-Bytes note(const std::string& subject, const std::string& body,
-           std::vector<AttachmentLayout> attachments) {
-    MessageLayout plan;
-    plan.body = body;
-    plan.props = {Prop::string8(kTagSubject8, subject)};
-    plan.attachments = std::move(attachments);
-    return buildMessage(plan);
-}
 
 std::string textOf(const std::vector<uint8_t>& bytes) {
     return std::string(bytes.begin(), bytes.end());
@@ -48,10 +40,10 @@ protected:
 };
 
 TEST_F(ClientSession, EmbeddedMessagesAreListedAndExtractedAtEveryDepth) {
-    Bytes third = note("Deepest", "third body", {{"c.txt", bytesOf("C"), {}}});
-    Bytes second = note("Inner", "second body",
+    Bytes third = noteMessage("Deepest", "third body", {{"c.txt", bytesOf("C"), {}}});
+    Bytes second = noteMessage("Inner", "second body",
                         {{"b.txt", bytesOf("BB"), {}}, embeddedMessage("Deeper", third)});
-    Session& session = open(note("Outer", "first body",
+    Session& session = open(noteMessage("Outer", "first body",
                                  {{"a.txt", bytesOf("A"), {}}, embeddedMessage("Fwd", second)}));
     Listing listing = readListing(session, true);
     EXPECT_TRUE(listing.complete);
@@ -86,51 +78,6 @@ TEST_F(ClientSession, EmbeddedMessagesAreListedAndExtractedAtEveryDepth) {
     EXPECT_EQ(readFile(file.string()), bytesOf("BB"));
     std::filesystem::remove(file);
     EXPECT_EQ(child.extractToFile(1, (file / "b.txt").string()).status, kTnefOutputUnusable);
-}
-
-TEST_F(ClientSession, AnEmbeddedMessageThatCannotBeReadMakesTheListingIncomplete) {
-    Bytes damaged = TnefWriter()
-                        .version()
-                        .record(kLevelMessage, 0x9003, propertyBlock({Prop::string8(kTagSubject8, "x")}),
-                                {0x0006, uint16_t{0xBEEF}})
-                        .body("read before the damage")
-                        .bytes();
-    struct Case {
-        const char* what;
-        Bytes inner;
-        Opened opened;
-        int32_t openStatus;
-    } cases[] = {
-        {"damaged", damaged, Opened::kOk, kTnefStreamFailure},
-        {"no TNEF stream", bytesOf("a text that is no stream"), Opened::kNotTnef, 0},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.what);
-        Listing listing = readListing(open(note("Outer", "", {embeddedMessage("Fwd", c.inner)})), true);
-        EXPECT_FALSE(listing.complete);
-        ASSERT_TRUE(listing.subfiles[1].nested);
-        EXPECT_EQ(listing.subfiles[1].nested->opened, c.opened);
-        EXPECT_EQ(listing.subfiles[1].nested->openStatus, c.openStatus);
-        EXPECT_TRUE(listing.subfiles[1].nested->error);
-    }
-}
-
-TEST_F(ClientSession, MessagesNestedPastTheLimitAreNotOpened) {
-    Bytes stream = note("Leaf", "", {});
-    for (int level = 0; level <= kMaxNestingDepth; ++level) {
-        stream = note("Level", "", {embeddedMessage("Fwd", stream)});
-    }
-    Listing listing = readListing(open(stream), true);
-    EXPECT_FALSE(listing.complete);
-    const Listing* at = &listing;
-    for (int depth = 1; depth <= kMaxNestingDepth; ++depth) {
-        ASSERT_TRUE(at->subfiles[1].nested) << depth;
-        ASSERT_EQ(at->subfiles[1].nested->opened, Opened::kOk) << depth;
-        at = &at->subfiles[1].nested->listing;
-    }
-    ASSERT_TRUE(at->subfiles[1].nested);
-    EXPECT_EQ(at->subfiles[1].nested->opened, Opened::kNotTnef);
-    EXPECT_NE(at->subfiles[1].nested->error->find("deeper than 16"), std::string::npos);
 }
 
 }  // namespace

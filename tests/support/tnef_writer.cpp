@@ -1,5 +1,7 @@
 #include "tests/support/tnef_writer.h"
 
+#include <random>
+
 namespace tneftest {
 
 namespace {
@@ -76,6 +78,13 @@ Bytes utf16(const std::string& text) {
         }
     }
     return out;
+}
+
+Bytes randomBytes(size_t size, uint32_t seed) {
+    std::mt19937 random(seed);
+    Bytes bytes(size);
+    for (uint8_t& b : bytes) b = static_cast<uint8_t>(random());
+    return bytes;
 }
 
 uint16_t checksumOf(const Bytes& data) {
@@ -282,6 +291,15 @@ Bytes buildMessage(const MessageLayout& plan) {
         if (!attachment.props.empty()) w.attachmentProps(attachment.props);
     }
     return w.bytes();
+}
+
+Bytes noteMessage(const std::string& subject, const std::string& body,
+                  std::vector<AttachmentLayout> attachments) {
+    MessageLayout plan;
+    plan.body = body;
+    plan.props = {Prop::string8(kTagSubject8, subject)};
+    plan.attachments = std::move(attachments);
+    return buildMessage(plan);
 }
 
 AttachmentLayout embeddedMessage(const std::string& title, const Bytes& inner) {

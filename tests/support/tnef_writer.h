@@ -19,6 +19,8 @@ Bytes bytesOf(const std::string& text);
 // UTF-16LE of an ASCII/UTF-8 text (code points up to U+FFFF).
 Bytes utf16(const std::string& text);
 uint16_t checksumOf(const Bytes& data);
+// `size` bytes of noise, the same for the same seed.
+Bytes randomBytes(size_t size, uint32_t seed);
 
 // One MAPI property as it stands in a block.
 struct Prop {
@@ -118,6 +120,9 @@ struct MessageLayout {
 };
 
 Bytes buildMessage(const MessageLayout& plan);
+// A message with an 8-bit subject, a text body and these attachments.
+Bytes noteMessage(const std::string& subject, const std::string& body,
+                  std::vector<AttachmentLayout> attachments);
 
 // An attachment that holds a whole message (attach method 5): its data
 // object is the 16-byte interface identifier of a message followed by
