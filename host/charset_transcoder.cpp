@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include "host/byte_sink.h"
 #include "host/charset_codecs.h"
 #include "host/posix_host.h"
 
@@ -18,42 +19,6 @@ constexpr const char* kCodePoints =
 constexpr size_t kChunkCodePoints = 1024;
 constexpr size_t kCodePointSize = sizeof(char32_t);
 const size_t kIconvFailed = static_cast<size_t>(-1);
-
-// Where converted bytes go: the caller's target, or, when measuring, a
-// scratch area that is only counted.
-class ByteSink {
-public:
-    ByteSink(uint8_t* target, size_t capacity) : target_(target), capacity_(capacity) {}
-
-    bool measuring() const { return target_ == nullptr; }
-    size_t length() const { return length_; }
-
-    // Where the next bytes go, and how many fit there.
-    char* window(size_t* room) {
-        if (measuring()) {
-            *room = sizeof scratch_;
-            return reinterpret_cast<char*>(scratch_);
-        }
-        *room = capacity_ - length_;
-        return reinterpret_cast<char*>(target_ + length_);
-    }
-    void advance(size_t count) { length_ += count; }
-
-    bool append(const uint8_t* bytes, size_t count) {
-        size_t room = 0;
-        char* at = window(&room);
-        if (count > room) return false;
-        std::memcpy(at, bytes, count);
-        advance(count);
-        return true;
-    }
-
-private:
-    uint8_t* target_;
-    size_t capacity_;
-    size_t length_ = 0;
-    uint8_t scratch_[4096];
-};
 
 // Bytes of one charset to code points.
 class Decoder {
@@ -128,7 +93,9 @@ public:
 
     // False when the target is full.
     bool put(const char32_t* codePoints, size_t count, ByteSink& sink) {
-        if (codec_.byteTable != nullptr) return putFromTable(codePoints, count, sink);
+        if (codec_.byteTable != nullptr) {
+            return appendTableBytes(codec_.byteTable, codePoints, count, replacement_, sink);
+        }
         char* from = reinterpret_cast<char*>(const_cast<char32_t*>(codePoints));
         size_t fromLeft = count * kCodePointSize;
         while (fromLeft > 0) {
@@ -186,32 +153,6 @@ private:
             }
             return sink.append(&replacement_, 1);
         }
-    }
-
-    bool putFromTable(const char32_t* codePoints, size_t count, ByteSink& sink) {
-        for (size_t i = 0; i < count; ++i) {
-            uint8_t byte = 0;
-            if (!tableByte(codePoints[i], &byte) && !tableByte(replacement_, &byte)) {
-                byte = replacement_;
-            }
-            if (!sink.append(&byte, 1)) return false;
-        }
-        return true;
-    }
-
-    bool tableByte(char32_t code, uint8_t* byte) const {
-        if (code == kUnassigned) return false;
-        if (code < 0x80 && codec_.byteTable[code] == code) {
-            *byte = static_cast<uint8_t>(code);
-            return true;
-        }
-        for (size_t b = 0; b < 256; ++b) {
-            if (codec_.byteTable[b] == code) {
-                *byte = static_cast<uint8_t>(b);
-                return true;
-            }
-        }
-        return false;
     }
 
     const CharsetCodec& codec_;

@@ -1,5 +1,6 @@
 #include "host/memory.h"
 
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 
@@ -8,8 +9,11 @@ namespace tnefhost {
 namespace {
 
 // No real request comes near this; anything above is a hostile or poisoned
-// size and is refused before it reaches malloc.
-constexpr size_t kLargestRequest = size_t{1} << 40;
+// size and is refused before it reaches malloc. Where size_t has 32 bits
+// (WebAssembly), half the address space.
+constexpr uint64_t kLargestReal = uint64_t{1} << 40;
+constexpr size_t kLargestRequest =
+    kLargestReal < SIZE_MAX ? static_cast<size_t>(kLargestReal) : SIZE_MAX / 2;
 
 }  // namespace
 

@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/io_objects.h"
@@ -14,12 +15,22 @@ namespace tnefhost {
 
 class CharsetCodecCache;  // host/charset_transcoder.h
 
+// A library linked into the program rather than loaded from a file (the
+// WebAssembly build has no dlopen): hostLoadLibrary finds it by the name the
+// module asks for, and hostGetProcAddress hands out its entries.
+struct LinkedLibrary {
+    std::string fileName;  // "zdolefio.dll"; ASCII case ignored
+    std::vector<std::pair<std::string, void*>> entries;
+};
+
 struct HostOptions {
     // Memory of the context's allocator; the host makes its own when null.
     HostMemory* memory = nullptr;
     // Folder where hostLoadLibrary looks for libNAME.so; empty: the folder of
     // the loaded module, then the dynamic loader's search path.
     std::string libraryDir;
+    // Libraries looked for here before any file is loaded.
+    std::vector<LinkedLibrary> linkedLibraries;
     // The charset hostSetDefaultCharset sets.
     CharsetId defaultCharset = kCharsetWindows1252;
     // Error lines go to stderr (prefixed with `logPrefix`) as well as to

@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
-# Builds the project and runs every test. With --sanitize, builds and runs the
-# same suite under AddressSanitizer and UndefinedBehaviorSanitizer.
+# Builds the project and runs every test, then builds the browser viewer and
+# runs its tests in Chromium. With --sanitize, builds and runs the C++ suite
+# under AddressSanitizer and UndefinedBehaviorSanitizer (the viewer's tests
+# run once, in the plain run).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 ./scripts/install-deps.sh
@@ -17,3 +19,7 @@ jobs=$(nproc 2>/dev/null || echo 2)
 cmake -S . -B "$build" "${flags[@]}" >/dev/null
 cmake --build "$build" -j "$jobs"
 ctest --test-dir "$build" --output-on-failure -j "$jobs"
+if [ "${1:-}" != "--sanitize" ]; then
+  ./scripts/web.sh
+  TNEF_BUILD="$PWD/$build" node --test web/tests/viewer.test.mjs
+fi

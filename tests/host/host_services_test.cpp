@@ -77,6 +77,19 @@ TEST(HostServices, LibraryLoading) {
     EXPECT_EQ(missing, nullptr);
 }
 
+TEST(HostServices, LinkedLibraryComesBeforeFiles) {
+    int entry = 0;
+    tnefhost::HostOptions options;
+    options.libraryDir = TNEF_BUILD_DIR;
+    options.linkedLibraries = {{"ZDOLEFIO.DLL", {{"GetOLEInterface", &entry}}}};
+    PosixHost host(options);
+    HostContext* c = host.context();
+    void* handle = nullptr;
+    ASSERT_EQ(c->hostLoadLibrary(c, "zdolefio.dll", &handle), 1);
+    EXPECT_EQ(c->hostGetProcAddress(c, handle, "GetOLEInterface"), &entry);
+    EXPECT_EQ(c->hostGetProcAddress(c, handle, "getoleinterface"), nullptr) << "entries keep case";
+}
+
 TEST(HostServices, ScratchAndWrapper) {
     PosixHost host;
     HostContext* c = host.context();
