@@ -26,8 +26,8 @@ _tnef_reader() {
                 return
             fi ;;
         list) options="--json --root" ;;
-        extract) options="-C --directory --only --body --charset --no-header --overwrite --no-recurse --json" ;;
-        show) options="--format --charset --no-header --index" ;;
+        extract) options="-C --directory --only --body --raw --charset --no-header --overwrite --no-recurse --json" ;;
+        show) options="--format --raw --charset --no-header --index" ;;
         props) options="--index --tag --json" ;;
         batch) options="-C --directory -j --jobs --overwrite --no-recurse --json" ;;
     esac
