@@ -1,4 +1,4 @@
-// tnef-reader extract FILE [-C DIR] [--only N ...] [--body auto|text|html|rtf|none]
+// tnef-reader extract FILE [-C DIR] [--only N ...] [--body auto|text|html|rtf|none] [--raw]
 //                          [--charset NAME] [--no-header] [--overwrite] [--no-recurse] [--json]
 #include <cstdio>
 #include <filesystem>
@@ -29,6 +29,7 @@ struct ExtractCommandOptions {
     std::vector<int32_t> only;
     std::string body = "auto";
     std::string charset;
+    bool raw = false;
     bool noHeader = false;
     bool overwrite = false;
     bool noRecurse = false;
@@ -53,6 +54,10 @@ void printReport(const std::string& file, const ExtractReport& report, const std
         } else {
             std::printf("%s (%lld bytes)\n", printable(*written.path).c_str(),
                         static_cast<long long>(written.bytes));
+        }
+        if (written.warning) {
+            std::fprintf(stderr, "tnef-reader: subfile %s: %s\n", index.c_str(),
+                         written.warning->c_str());
         }
     }
     for (const LinkedFile& link : report.links) {
@@ -83,6 +88,7 @@ int runExtract(const ExtractCommandOptions& options) {
     extract.folder = options.folder;
     extract.only = options.only;
     extract.message.body = bodyChoiceNames().at(options.body);
+    extract.message.raw = options.raw;
     extract.message.charset = charsetFromName(options.charset);
     extract.message.noHeader = options.noHeader;
     extract.overwrite = options.overwrite;
@@ -119,10 +125,13 @@ void addExtractCommand(CLI::App& app, int& exitCode) {
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
         ->delimiter(',');
     extract->add_option("--body", options->body,
-                        "Form of the message: auto (the module's choice), text, html, rtf, or "
-                        "none to skip the message")
+                        "Form of the message: auto (HTML when the message has HTML, else text), "
+                        "text, html, rtf (the module's RTF), or none to skip the message")
         ->transform(CLI::IsMember({"auto", "text", "html", "rtf", "none"}, CLI::ignore_case))
         ->option_text("auto|text|html|rtf|none");
+    extract->add_flag("--raw", options->raw,
+                      "Write the message as the module renders it (its choice of body, RTF as "
+                      "stored), not made readable");
     extract->add_option("--charset", options->charset, "Charset of the message's text")
         ->check(charsetNameValidator())
         ->option_text("NAME");

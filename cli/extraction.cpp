@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include "cli/message_output.h"
 #include "cli/pending_file.h"
 #include "cli/safe_names.h"
 
@@ -111,7 +112,14 @@ void Extractor::run(const ListedSubfile& subfile, ExtractReport& report) {
     std::string error;
     std::unique_ptr<PendingFile> pending = PendingFile::create(options_.folder, &error);
     if (pending == nullptr) return fail(error);
-    ExtractOutcome outcome = session_.extract(entry.index, pending->io(), options_.message);
+    ExtractOutcome outcome;
+    MessageWritten rendered;
+    if (message) {
+        rendered = writeMessage(session_, entry.index, options_.message, pending->io());
+        outcome.status = rendered.status;
+    } else {
+        outcome = session_.extract(entry.index, pending->io());
+    }
     pending->finish();
     file.status = outcome.status;
     if (outcome.status != kTnefOk) return fail(statusText(outcome.status));
@@ -126,8 +134,11 @@ void Extractor::run(const ListedSubfile& subfile, ExtractReport& report) {
     std::string fallback = fallbackName(entry.index);
     std::string base = safeFileName(subfile.name.value_or(""), fallback);
     if (message) {
-        BodyForm form = detectBodyForm(pending->head(kHeadBytes));
+        BodyForm form = rendered.form.value_or(detectBodyForm(pending->head(kHeadBytes)));
         file.form = bodyFormName(form);
+        file.source = rendered.source;
+        file.warning = rendered.warning;
+        if (file.warning) report.complete = false;
         base += bodyFormExtension(form);
     } else if (entry.type == kSubfileOle && outcome.payloadName && !outcome.payloadName->empty()) {
         file.payloadName = utf8(*outcome.payloadName);
@@ -174,6 +185,8 @@ nlohmann::ordered_json extractReportJson(const ExtractReport& report) {
         item["bytes"] = file.bytes;
         item["status"] = file.status;
         if (file.form) item["form"] = *file.form;
+        if (file.source) item["source"] = *file.source;
+        if (file.warning) item["warning"] = *file.warning;
         if (file.payloadName) item["payloadName"] = *file.payloadName;
         if (file.error) item["error"] = *file.error;
         if (file.nested) item["nested"] = nestedJson(*file.nested);

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/message_output.h"
 #include "client/tnef_client.h"
 
 namespace tnefcli {
@@ -17,7 +18,7 @@ namespace tnefcli {
 struct ExtractOptions {
     std::filesystem::path folder = ".";
     std::vector<int32_t> only;  // empty: every subfile
-    tnefclient::ExtractSettings message;  // the message's form; BodyChoice::kNone skips it
+    MessageOptions message;  // the message's form; BodyChoice::kNone skips it
     bool overwrite = false;
     // An embedded message goes into a folder named after it, as the message
     // and its attachments; without, its stream is written as "<name>.tnef".
@@ -34,6 +35,8 @@ struct WrittenFile {
     int32_t status = 0;               // the module's
     std::optional<std::string> error; // why nothing was written
     std::optional<std::string> form;  // the message's body form
+    std::optional<std::string> source;   // of a readable body: what it was made from
+    std::optional<std::string> warning;  // written, but from a damaged RTF body
     std::optional<std::string> payloadName;  // the name an OLE object gives
     // An embedded message: how it opened and, when it did, what was written
     // into its folder (`path`).

@@ -1,4 +1,5 @@
-// tnef-reader show FILE [--format auto|text|html|rtf] [--charset NAME] [--no-header] [--index N[/N...]]
+// tnef-reader show FILE [--format auto|text|html|rtf] [--raw] [--charset NAME] [--no-header]
+//                       [--index N[/N...]]
 #include <unistd.h>
 
 #include <cstdio>
@@ -12,9 +13,10 @@
 #include "cli/exit_codes.h"
 #include "cli/index_path.h"
 #include "cli/mail_parts.h"
+#include "cli/message_output.h"
 #include "cli/open_input.h"
 #include "cli/report_text.h"
-#include "client/stdout_io.h"
+#include "client/output_sinks.h"
 
 namespace tnefcli {
 
@@ -27,6 +29,7 @@ struct ShowOptions {
     PartChoice part;
     std::string format = "auto";
     std::string charset;
+    bool raw = false;
     bool noHeader = false;
     std::optional<std::string> index;
 };
@@ -64,24 +67,29 @@ int runShow(const ShowOptions& options) {
     PathTarget message = findMessage(*input.session, options.index);
     if (message.error) printError(options.file, *message.error);
     if (message.exitCode != 0) return message.exitCode;
-    // Text for a terminal is UTF-8 unless asked otherwise; text for a pipe
-    // or a file stays in the charset the module gives it.
-    ExtractSettings settings;
+    MessageOptions settings;
     settings.body = bodyChoiceNames().at(options.format);
+    settings.raw = options.raw;
     settings.noHeader = options.noHeader;
     settings.charset = charsetFromName(options.charset);
-    if (settings.charset == kCharsetNone && ::isatty(STDOUT_FILENO) != 0) {
+    // The module's text for a terminal is UTF-8 unless asked otherwise;
+    // for a pipe or a file it stays in the charset the module gives it.
+    if (!settings.readable() && settings.charset == kCharsetNone && ::isatty(STDOUT_FILENO) != 0) {
         settings.charset = kCharsetUtf8;
     }
     std::fflush(stdout);
     StdoutIo output;
-    ExtractOutcome outcome = message.session->extract(message.index, output.io(), settings);
+    MessageWritten written = writeMessage(*message.session, message.index, settings, output.io());
     if (output.failed()) {
         printError(options.file, "cannot write to standard output");
         return kExitPartial;
     }
-    if (outcome.status != kTnefOk) {
-        printError(options.file, "the message can't be rendered: " + statusText(outcome.status));
+    if (written.status != kTnefOk) {
+        printError(options.file, "the message can't be rendered: " + statusText(written.status));
+        return kExitPartial;
+    }
+    if (written.warning) {
+        printError(options.file, *written.warning);
         return kExitPartial;
     }
     return input.error || message.error ? kExitPartial : kExitOk;
@@ -95,11 +103,16 @@ void addShowCommand(CLI::App& app, int& exitCode) {
     show->add_option("FILE", options->file, kFileHelp)->required();
     addPartOption(*show, options->part);
     show->add_option("--format", options->format,
-                     "Form of the message: auto (the module's choice), text, html or rtf")
+                     "Form of the message: auto (HTML when the message has HTML, else text), "
+                     "text, html, or rtf (the module's RTF)")
         ->transform(CLI::IsMember({"auto", "text", "html", "rtf"}, CLI::ignore_case))
         ->option_text("auto|text|html|rtf");
+    show->add_flag("--raw", options->raw,
+                   "Show the message as the module renders it (its choice of body, RTF as "
+                   "stored), not made readable");
     show->add_option("--charset", options->charset,
-                     "Charset of the text (default: utf-8 on a terminal, else as stored)")
+                     "Charset of the text (default: utf-8; with --raw or rtf, as stored unless "
+                     "on a terminal)")
         ->check(charsetNameValidator())
         ->option_text("NAME");
     show->add_flag("--no-header", options->noHeader, "Show the body without the summary header");

@@ -27,8 +27,8 @@ _tnef_reader() {
                 return
             fi ;;
         list) options="--part --json --root" ;;
-        extract) options="--part -C --directory --only --body --charset --no-header --overwrite --no-recurse --json" ;;
-        show) options="--part --format --charset --no-header --index" ;;
+        extract) options="--part -C --directory --only --body --raw --charset --no-header --overwrite --no-recurse --json" ;;
+        show) options="--part --format --raw --charset --no-header --index" ;;
         props) options="--part --index --tag --json" ;;
         batch) options="-C --directory -j --jobs --overwrite --no-recurse --json" ;;
         unwrap) options="-o --output --in-place" ;;

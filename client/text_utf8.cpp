@@ -63,36 +63,46 @@ bool convertThroughHost(HostContext* host, std::string_view text, CharsetId from
 
 }  // namespace
 
+size_t utf8CharLength(std::string_view text, bool* cut) {
+    if (cut != nullptr) *cut = false;
+    if (text.empty()) return 0;
+    auto c = static_cast<uint8_t>(text[0]);
+    size_t extra = 0;
+    uint32_t cp = 0;
+    if (c < 0x80) return 1;
+    if (c >= 0xC2 && c <= 0xDF) {
+        extra = 1, cp = c & 0x1F;
+    } else if (c >= 0xE0 && c <= 0xEF) {
+        extra = 2, cp = c & 0x0F;
+    } else if (c >= 0xF0 && c <= 0xF4) {
+        extra = 3, cp = c & 0x07;
+    } else {
+        return 0;
+    }
+    for (size_t k = 1; k <= extra; ++k) {
+        if (k == text.size()) {
+            // The text ends inside the character; the bytes so far may
+            // still begin a valid one (its range is checked on the whole).
+            if (cut != nullptr) *cut = true;
+            return 0;
+        }
+        auto d = static_cast<uint8_t>(text[k]);
+        if ((d & 0xC0) != 0x80) return 0;
+        cp = (cp << 6) | (d & 0x3F);
+    }
+    // Overlong forms, surrogates and code points past U+10FFFF.
+    if ((extra == 2 && cp < 0x800) || (extra == 3 && (cp < 0x10000 || cp > 0x10FFFF)) ||
+        (cp >= 0xD800 && cp <= 0xDFFF)) {
+        return 0;
+    }
+    return extra + 1;
+}
+
 bool isValidUtf8(std::string_view text) {
-    size_t i = 0;
-    while (i < text.size()) {
-        auto c = static_cast<uint8_t>(text[i]);
-        size_t extra = 0;
-        uint32_t cp = 0;
-        if (c < 0x80) {
-            ++i;
-            continue;
-        } else if (c >= 0xC2 && c <= 0xDF) {
-            extra = 1, cp = c & 0x1F;
-        } else if (c >= 0xE0 && c <= 0xEF) {
-            extra = 2, cp = c & 0x0F;
-        } else if (c >= 0xF0 && c <= 0xF4) {
-            extra = 3, cp = c & 0x07;
-        } else {
-            return false;
-        }
-        if (i + extra >= text.size()) return false;
-        for (size_t k = 1; k <= extra; ++k) {
-            auto d = static_cast<uint8_t>(text[i + k]);
-            if ((d & 0xC0) != 0x80) return false;
-            cp = (cp << 6) | (d & 0x3F);
-        }
-        // Overlong forms, surrogates and code points past U+10FFFF.
-        if ((extra == 2 && cp < 0x800) || (extra == 3 && (cp < 0x10000 || cp > 0x10FFFF)) ||
-            (cp >= 0xD800 && cp <= 0xDFFF)) {
-            return false;
-        }
-        i += extra + 1;
+    while (!text.empty()) {
+        size_t length = utf8CharLength(text);
+        if (length == 0) return false;
+        text.remove_prefix(length);
     }
     return true;
 }

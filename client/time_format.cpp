@@ -1,5 +1,6 @@
-// FILETIME as ISO 8601 UTC.
+// FILETIME as ISO 8601 UTC, and as the date text of the summary headers.
 #include <cstdio>
+#include <ctime>
 
 #include "client/tnef_client.h"
 
@@ -8,6 +9,8 @@ namespace tnefclient {
 namespace {
 
 constexpr uint64_t kTicksPerSecond = 10000000;
+// 100-nanosecond ticks from 1601-01-01 to 1970-01-01.
+constexpr uint64_t kUnixEpochTicks = 116444736000000000ull;
 // Days from 1601-01-01 to 1970-01-01.
 constexpr int64_t kDaysBefore1970 = 134774;
 
@@ -51,6 +54,25 @@ std::optional<std::string> fileTimeToIso(const uint8_t bytes[8]) {
     uint64_t ticks = fileTimeTicks(bytes);
     if (ticks == 0) return std::nullopt;
     return ticksToIso(ticks);
+}
+
+std::optional<std::string> fileTimeToDateText(const uint8_t bytes[8]) {
+    static constexpr const char* kWeekdays[7] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
+    static constexpr const char* kMonths[12] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                                "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+    uint64_t ticks = fileTimeTicks(bytes);
+    if (ticks == 0) return std::nullopt;
+    // As the module counts: times before 1970 are 1970, and the count of
+    // seconds keeps its low 32 bits.
+    uint64_t since1970 = ticks >= kUnixEpochTicks ? ticks - kUnixEpochTicks : 0;
+    auto seconds = static_cast<time_t>(static_cast<uint32_t>(since1970 / kTicksPerSecond));
+    struct tm local {};
+    if (localtime_r(&seconds, &local) == nullptr) return std::nullopt;
+    char text[64];
+    std::snprintf(text, sizeof text, "%s %s %02d %02d:%02d:%02d %04d", kWeekdays[local.tm_wday % 7],
+                  kMonths[local.tm_mon % 12], local.tm_mday, local.tm_hour, local.tm_min,
+                  local.tm_sec, local.tm_year + 1900);
+    return text;
 }
 
 }  // namespace tnefclient

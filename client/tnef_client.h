@@ -26,10 +26,21 @@
 //         if (s.nested) { /* an embedded message: s.nested->listing, to any depth */ }
 //     }
 //
+// Readable bodies: the module hands a body out as the message stores it,
+// most often compressed RTF. client/readable_body.h gives it as text or
+// HTML in UTF-8 whatever the message stores, with the summary header in the
+// same form:
+//
+//     tnefclient::ReadableRequest request;  // form kAuto, kText or kHtml
+//     request.htmlToText = tnefclient::libxmlHtmlToText;  // client/html_text/html_text.h
+//     tnefclient::StdoutSink out;
+//     tnefclient::writeReadableBody(session, session.messageIndex(), request, out);
+//
 // A session belongs to one thread; give each thread its own host context.
 // Lower-level pieces live beside this header: client/buffered_io.h (the
-// read-ahead and write-behind IoObjects) and client/stdout_io.h (an output
-// over standard output).
+// read-ahead and write-behind IoObjects) and client/output_sinks.h (an
+// output IoObject over any sink, standard output, and the sinks readable
+// bodies flow through).
 #pragma once
 
 #include <cstddef>
@@ -299,6 +310,10 @@ std::string statusText(int32_t status);
 // ---------------------------------------------------------------------------
 
 bool isValidUtf8(std::string_view text);
+// The length of the valid UTF-8 character `text` starts with, 1 to 4; 0 when
+// it starts with none, `cut` set when the text ends inside one that may
+// still be valid.
+size_t utf8CharLength(std::string_view text, bool* cut = nullptr);
 // UTF-16LE to UTF-8; an unpaired surrogate becomes U+FFFD, a last odd byte
 // is dropped.
 std::string utf16leToUtf8(const uint8_t* bytes, size_t length);
@@ -312,5 +327,8 @@ std::string_view withoutTrailingNuls(std::string_view text, bool sixteenBit);
 // FILETIME (100-ns ticks since 1601-01-01 UTC, little-endian) as ISO 8601:
 // "2009-05-04T10:20:30Z"; null for the all-zero time, which means none.
 std::optional<std::string> fileTimeToIso(const uint8_t bytes[8]);
+// The same time as the module's summary headers write it, in the local time
+// of the process: "Mon May 04 10:20:30 2009".
+std::optional<std::string> fileTimeToDateText(const uint8_t bytes[8]);
 
 }  // namespace tnefclient

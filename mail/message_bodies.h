@@ -1,8 +1,8 @@
 // The readable bodies of a TNEF message, as unwrap puts them into MIME.
-// This is the one place that asks for bodies: the module's text body (in
-// UTF-8) and stored HTML body, never with the summary header in front, and
-// where the message has only RTF, the HTML and text the RTF readers make of
-// it (the HTML it encapsulates, or a conversion).
+// This is the one place that asks for bodies, through the client's readable
+// bodies and never with the summary header in front: the text (the text
+// body, else text made from the HTML or RTF body) and the HTML (the stored
+// HTML body, else the HTML an RTF body encapsulates or is made into).
 #pragma once
 
 #include <optional>

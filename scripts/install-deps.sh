@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian packages the build and the tests need, when missing.
 set -euo pipefail
-packages=(g++ cmake make libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev nlohmann-json3-dev
+packages=(g++ cmake make libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev nlohmann-json3-dev libxml2-dev
           clang libclang-rt-14-dev binutils python3
           pkg-config libgmime-3.0-dev libmagic-dev media-types  # mail: GMime, libmagic, mime.types
           dpkg-dev file man-db  # packaging (cpack's dependency list) and the manual page test

@@ -6,6 +6,7 @@
 #include <fstream>
 
 #include "tests/cli/cli_runner.h"
+#include "tests/support/lzfu_compressor.h"
 #include "tests/support/reader_fixture.h"
 
 namespace tneftest {
@@ -138,6 +139,61 @@ TEST(CliJson, ExtractReportsWhatItWroteAndTheMessageInTheFormAskedFor) {
     ToolRun bare = runTool({"show", file, "--no-header"});
     EXPECT_EQ(bare.exitCode, 0) << bare.err;
     EXPECT_EQ(bare.out, "Body text");
+}
+
+// show --format and extract --body write the same bytes, extract under the
+// extension of the form written; --raw and rtf give the module's rendering.
+TEST(CliBodies, EachFormIsShownAndWrittenAlike) {
+    TempDir dir;
+    MessageLayout plan;
+    plan.body = "Body text";
+    plan.props = {Prop::string8(kTagSubject8, "R\xE9sum\xE9"), Prop::int32(kTagMessageCodepage, 1252),
+                  Prop::binary(kTagRtfCompressed, compressRtf(bytesOf("{\\rtf1\\ansi R\\'e9sum\\'e9 <b>\\par}")))};
+    std::string both = writeFile(dir.path() / "both.tnef", buildMessage(plan));
+    plan.body.reset();
+    plan.props.back() = Prop::binary(kTagRtfCompressed, compressRtf(bytesOf("{\\rtf1\\ansi cut short")));
+    std::string damaged = writeFile(dir.path() / "damaged.tnef", buildMessage(plan));
+    struct Case {
+        std::string file;
+        std::vector<std::string> options;
+        const char* form;
+        const char* source;  // null: the module's rendering
+        std::vector<std::string> shown;  // in this order
+        int exitCode;
+    } cases[] = {
+        {both, {"auto"}, "text", "text", {"Subject: Résumé\r\n", "Body text"}, 0},
+        {both, {"text", "--charset", "iso-8859-1"}, "text", "text", {"Subject: R\xE9sum\xE9\r\n"}, 0},
+        {both, {"html"}, "html", "rtf", {"<b>Subject: </b>Résumé<br>", "<p>Résumé &lt;b&gt;</p>"}, 0},
+        {both, {"html", "--no-header"}, "html", "rtf", {"<!DOCTYPE html>"}, 0},
+        {both, {"rtf"}, "rtf", nullptr, {"{\\rtf1", "Subject: \\b0 R\xE9sum\xE9\\par"}, 0},
+        {both, {"html", "--raw"}, "rtf", nullptr, {"{\\rtf1"}, 0},
+        {both, {"auto", "--raw", "--charset", "utf-8"}, "text", nullptr, {"Subject: Résumé", "Body text"}, 0},
+        {damaged, {"text", "--no-header"}, "text", "rtf", {"cut short"}, 3},
+    };
+    for (const Case& c : cases) {
+        std::string what = c.file + " " + c.options[0] + (c.options.size() > 1 ? " " + c.options[1] : "");
+        SCOPED_TRACE(what);
+        std::vector<std::string> show = {"show", c.file, "--format"};
+        std::vector<std::string> extract = {"extract", c.file, "-C", dir / "out", "--overwrite",
+                                            "--json", "--body"};
+        show.insert(show.end(), c.options.begin(), c.options.end());
+        extract.insert(extract.end(), c.options.begin(), c.options.end());
+        ToolRun shown = runTool(show);
+        EXPECT_EQ(shown.exitCode, c.exitCode) << shown.err;
+        EXPECT_TRUE(inOrder(shown.out, c.shown)) << shown.out;
+        EXPECT_EQ(shown.err.find("RTF body is damaged") != std::string::npos, c.exitCode != 0) << shown.err;
+        ToolRun written = runTool(extract);
+        EXPECT_EQ(written.exitCode, c.exitCode) << written.err;
+        Json message = written.json()["written"][0];
+        EXPECT_EQ(message["form"], c.form);
+        EXPECT_EQ(message.value("source", ""), c.source == nullptr ? "" : c.source);
+        EXPECT_EQ(message.contains("warning"), c.exitCode != 0);
+        std::string path = message["path"];
+        EXPECT_EQ(fs::path(path).extension(), std::string(c.form) == "text" ? ".txt" : "." + std::string(c.form));
+        Bytes file = readFile(path);
+        EXPECT_EQ(std::string(file.begin(), file.end()), shown.out);
+        fs::remove(path);
+    }
 }
 
 TEST(CliBatch, ProcessesFilesAndFoldersAndReportsEachFile) {

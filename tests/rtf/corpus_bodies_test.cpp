@@ -23,17 +23,6 @@ std::string storedRtf(const std::string& file) {
     return std::string(body.bytes.begin(), body.bytes.end());
 }
 
-// Whether `words` stand in `text` in this order.
-bool inOrder(const std::string& text, const std::vector<std::string>& words) {
-    size_t at = 0;
-    for (const std::string& word : words) {
-        at = text.find(word, at);
-        if (at == std::string::npos) return false;
-        at += word.size();
-    }
-    return true;
-}
-
 TEST(CorpusBodies, ReadableHtmlAndText) {
     std::string dir = tneftest::corpusDir();
     if (dir.empty()) GTEST_SKIP() << "no sample folder (set TNEF_CORPUS or provide ../shared/corpus)";
@@ -77,7 +66,7 @@ TEST(CorpusBodies, ReadableHtmlAndText) {
             EXPECT_EQ(converted.result.encapsulation, c.encapsulation) << c.file;
             EXPECT_EQ(out.find("\\rtf1"), std::string::npos) << c.file;
             EXPECT_EQ(out.find("htmltag"), std::string::npos) << c.file;
-            EXPECT_TRUE(inOrder(out, form == OutputForm::kHtml ? c.html : c.text)) << c.file << "\n" << out;
+            EXPECT_TRUE(tneftest::inOrder(out, form == OutputForm::kHtml ? c.html : c.text)) << c.file << "\n" << out;
         }
     }
 }

@@ -89,4 +89,14 @@ Bytes readFile(const std::string& path) {
     return Bytes(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
 }
 
+bool inOrder(const std::string& text, const std::vector<std::string>& words) {
+    size_t at = 0;
+    for (const std::string& word : words) {
+        at = text.find(word, at);
+        if (at == std::string::npos) return false;
+        at += word.size();
+    }
+    return true;
+}
+
 }  // namespace tneftest

@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "host/io_objects.h"
 #include "host/posix_host.h"
@@ -68,5 +69,8 @@ TnefObject* objectAt(TnefContainer* container, int32_t place);
 std::string corpusDir();
 
 Bytes readFile(const std::string& path);
+
+// Whether `words` stand in `text` in this order.
+bool inOrder(const std::string& text, const std::vector<std::string>& words);
 
 }  // namespace tneftest
