@@ -12,6 +12,7 @@
 #include "cli/exit_codes.h"
 #include "cli/extraction.h"
 #include "cli/json_output.h"
+#include "cli/mail_parts.h"
 #include "cli/open_input.h"
 #include "cli/progress_bar.h"
 #include "cli/report_text.h"
@@ -34,6 +35,7 @@ struct BatchOptions {
     bool json = false;
 };
 
+// One stream extracted into one folder: a TNEF file, or a TNEF part of mail.
 struct BatchItem {
     std::string file;
     fs::path folder;  // where its subfiles go
@@ -41,10 +43,19 @@ struct BatchItem {
     std::optional<int32_t> status;
     std::optional<std::string> error;
     ExtractReport report;
+    std::optional<tnefmail::TnefPart> part;
+    bool noTnef = false;  // mail without a TNEF part
 };
 
-// Every file named, and every regular file below every folder named, in a
-// stable order.
+// One input named on the command line or found in a folder, and what it gave.
+struct BatchInput {
+    std::string file;
+    fs::path folder;
+    std::vector<BatchItem> items;
+};
+
+// Every file named, and every regular file below every folder named (but
+// in a maildir's tmp/), in a stable order.
 std::vector<std::string> collectFiles(const std::vector<std::string>& inputs) {
     std::vector<std::string> files;
     for (const std::string& input : inputs) {
@@ -58,7 +69,13 @@ std::vector<std::string> collectFiles(const std::vector<std::string>& inputs) {
             input, fs::directory_options::skip_permission_denied, ec);
         for (auto it = walk; !ec && it != fs::recursive_directory_iterator(); it.increment(ec)) {
             std::error_code typeError;
-            if (it->is_regular_file(typeError)) found.push_back(it->path().string());
+            // A maildir's tmp/ holds messages still being delivered.
+            if (it->is_directory(typeError) && it->path().filename() == "tmp" &&
+                tnefmail::isMaildir(it->path().parent_path().string())) {
+                it.disable_recursion_pending();
+            } else if (it->is_regular_file(typeError)) {
+                found.push_back(it->path().string());
+            }
         }
         std::sort(found.begin(), found.end());
         files.insert(files.end(), found.begin(), found.end());
@@ -66,9 +83,7 @@ std::vector<std::string> collectFiles(const std::vector<std::string>& inputs) {
     return files;
 }
 
-void processItem(const ReaderModule& module, tnefhost::PosixHost& host, BatchItem& item,
-                 const BatchOptions& options) {
-    OpenedInput input = openInputWith(module, host, item.file, false);
+void extractItem(OpenedInput& input, BatchItem& item, const BatchOptions& options) {
     item.status = input.status;
     item.error = input.error;
     if (!input.usable()) {
@@ -91,7 +106,45 @@ void processItem(const ReaderModule& module, tnefhost::PosixHost& host, BatchIte
     item.exitCode = input.error || !item.report.complete ? kExitPartial : kExitOk;
 }
 
-void runWorkers(std::vector<BatchItem>& items, const BatchOptions& options,
+// The folder of a TNEF part of mail: the input's own, with a folder per
+// message of an mbox and per part of a message with several.
+fs::path partFolder(const fs::path& base, const tnefmail::TnefPart& part, bool mbox) {
+    fs::path folder = base;
+    if (mbox) folder /= "message " + std::to_string(part.message.number);
+    if (part.message.tnefParts > 1) folder /= "part " + std::to_string(part.number);
+    return folder;
+}
+
+void processInput(const ReaderModule& module, tnefhost::PosixHost& host, BatchInput& batchInput,
+                  const BatchOptions& options) {
+    InputSource source = lookAt(batchInput.file);
+    if (!source.isMail()) {
+        BatchItem& item = batchInput.items.emplace_back();
+        item.file = batchInput.file;
+        item.folder = batchInput.folder;
+        OpenedInput input = openSource(module, host, source, false);
+        extractItem(input, item, options);
+        return;
+    }
+    bool mbox = source.mail->kind() == tnefmail::InputKind::kMbox;
+    MailScan scan = forEachMailPart(
+        module, host, *source.mail, false, [&](const tnefmail::TnefPart& part, OpenedInput& input) {
+            BatchItem& item = batchInput.items.emplace_back();
+            item.file = batchInput.file;
+            item.folder = partFolder(batchInput.folder, part, mbox);
+            item.part = part;
+            extractItem(input, item, options);
+        });
+    if (scan.parts == 0) {
+        BatchItem& item = batchInput.items.emplace_back();
+        item.file = batchInput.file;
+        item.exitCode = kExitUnreadable;
+        item.noTnef = true;
+        item.error = noTnefText(scan);
+    }
+}
+
+void runWorkers(std::vector<BatchInput>& items, const BatchOptions& options,
                 const ReaderModule& module) {
     unsigned jobs = options.jobs != 0 ? options.jobs : std::max(1u, std::thread::hardware_concurrency());
     jobs = static_cast<unsigned>(std::min<size_t>(jobs, std::max<size_t>(items.size(), 1)));
@@ -100,7 +153,7 @@ void runWorkers(std::vector<BatchItem>& items, const BatchOptions& options,
     auto work = [&] {
         auto host = makeHost(module, "");  // one host context per worker
         for (size_t i = next++; i < items.size(); i = next++) {
-            processItem(module, *host, items[i], options);
+            processInput(module, *host, items[i], options);
             progress.advance();
         }
     };
@@ -110,8 +163,9 @@ void runWorkers(std::vector<BatchItem>& items, const BatchOptions& options,
     for (std::thread& thread : threads) thread.join();
 }
 
-const char* outcomeWord(int exitCode) {
-    switch (exitCode) {
+const char* outcomeWord(const BatchItem& item) {
+    if (item.noTnef) return "no TNEF";
+    switch (item.exitCode) {
         case kExitOk: return "ok";
         case kExitPartial: return "partial";
         default: return "failed";
@@ -136,7 +190,8 @@ void printItems(const std::vector<BatchItem>& items) {
     for (const BatchItem& item : items) {
         size_t written = 0;
         for (const WrittenFile& file : item.report.written) written += file.path ? 1 : 0;
-        std::printf("%-7s %s", outcomeWord(item.exitCode), printable(item.file).c_str());
+        std::printf("%-7s %s", outcomeWord(item), printable(item.file).c_str());
+        if (item.part) std::printf(" [%s]", printable(partText(*item.part)).c_str());
         if (item.exitCode != kExitUnreadable) {
             std::printf(" -> %s (%zu written, %zu linked)", printable(item.folder.string()).c_str(),
                         written, item.report.links.size());
@@ -151,7 +206,8 @@ nlohmann::ordered_json itemsJson(const std::vector<BatchItem>& items) {
     nlohmann::ordered_json files = nlohmann::ordered_json::array();
     for (const BatchItem& item : items) {
         auto entry = fileReportHead(item.file, item.status, item.error);
-        entry["outcome"] = outcomeWord(item.exitCode);
+        if (item.part) entry["part"] = partJson(*item.part);
+        entry["outcome"] = outcomeWord(item);
         entry["exit"] = item.exitCode;
         if (item.exitCode != kExitUnreadable) {
             entry["folder"] = item.folder.string();
@@ -183,32 +239,39 @@ int runBatch(const BatchOptions& options) {
     }
     // Each input gets a folder of its own, named after it, so that equal
     // attachment names of different messages never meet.
-    std::vector<BatchItem> items;
+    std::vector<BatchInput> inputs;
     UniqueNames folders;
     for (const std::string& file : collectFiles(options.inputs)) {
-        BatchItem item;
-        item.file = file;
-        item.folder = fs::path(options.folder) /
-                      folders.claim(safeFileName(fs::path(file).filename().string(), "input"));
-        items.push_back(std::move(item));
+        BatchInput input;
+        input.file = file;
+        input.folder = fs::path(options.folder) /
+                       folders.claim(safeFileName(fs::path(file).filename().string(), "input"));
+        inputs.push_back(std::move(input));
     }
-    runWorkers(items, options, *module);
+    runWorkers(inputs, options, *module);
+    std::vector<BatchItem> items;
+    for (BatchInput& input : inputs) {
+        for (BatchItem& item : input.items) items.push_back(std::move(item));
+    }
 
-    size_t counts[3] = {0, 0, 0};  // ok, partial, failed
+    size_t counts[4] = {0, 0, 0, 0};  // ok, partial, failed, no TNEF
     for (const BatchItem& item : items) {
-        ++counts[item.exitCode == kExitOk ? 0 : item.exitCode == kExitPartial ? 1 : 2];
+        ++counts[item.noTnef ? 3 : item.exitCode == kExitOk ? 0 : item.exitCode == kExitPartial ? 1 : 2];
     }
     if (options.json) {
         nlohmann::ordered_json report;
         report["files"] = itemsJson(items);
         report["counts"] = {{"files", items.size()}, {"ok", counts[0]}, {"partial", counts[1]},
                             {"failed", counts[2]}};
+        if (counts[3] > 0) report["counts"]["noTnef"] = counts[3];
         printJson(report);
     } else {
         printItems(items);
-        std::printf("%zu files: %zu ok, %zu partial, %zu failed\n", items.size(), counts[0],
+        std::printf("%zu files: %zu ok, %zu partial, %zu failed", items.size(), counts[0],
                     counts[1], counts[2]);
+        std::printf(counts[3] > 0 ? ", %zu without TNEF\n" : "\n", counts[3]);
     }
+    if (counts[0] + counts[1] + counts[2] == 0) return kExitUnreadable;  // no TNEF anywhere
     if (counts[1] == 0 && counts[2] == 0) return kExitOk;
     return counts[0] == 0 && counts[1] == 0 ? kExitUnreadable : kExitPartial;
 }

@@ -11,5 +11,6 @@ void addExtractCommand(CLI::App& app, int& exitCode);
 void addShowCommand(CLI::App& app, int& exitCode);
 void addPropsCommand(CLI::App& app, int& exitCode);
 void addBatchCommand(CLI::App& app, int& exitCode);
+void addUnwrapCommand(CLI::App& app, int& exitCode);
 
 }  // namespace tnefcli

@@ -10,6 +10,7 @@
 #include "cli/charset_option.h"
 #include "cli/commands.h"
 #include "cli/exit_codes.h"
+#include "cli/mail_parts.h"
 #include "cli/extraction.h"
 #include "cli/json_output.h"
 #include "cli/open_input.h"
@@ -23,6 +24,7 @@ namespace {
 
 struct ExtractCommandOptions {
     std::string file;
+    PartChoice part;
     std::string folder = ".";
     std::vector<int32_t> only;
     std::string body = "auto";
@@ -65,7 +67,7 @@ void printReport(const std::string& file, const ExtractReport& report, const std
 }
 
 int runExtract(const ExtractCommandOptions& options) {
-    OpenedInput input = openInput(options.file, false);
+    OpenedInput input = openInput(options.file, false, options.part);
     if (!input.usable()) return reportUnusable(options.file, input, options.json);
     Session& session = *input.session;
     for (int32_t index : options.only) {
@@ -96,6 +98,7 @@ int runExtract(const ExtractCommandOptions& options) {
 
     if (options.json) {
         auto document = fileReportHead(options.file, input.status, input.error);
+        addPartKey(document, input);
         nlohmann::ordered_json written = extractReportJson(report);
         for (auto& [key, value] : written.items()) document[key] = value;
         printJson(document);
@@ -112,7 +115,8 @@ void addExtractCommand(CLI::App& app, int& exitCode) {
     auto options = std::make_shared<ExtractCommandOptions>();
     CLI::App* extract = app.add_subcommand(
         "extract", "Write the attachments and the message into a folder, under safe names");
-    extract->add_option("FILE", options->file, "The TNEF file, or - for standard input")->required();
+    extract->add_option("FILE", options->file, kFileHelp)->required();
+    addPartOption(*extract, options->part);
     extract->add_option("-C,--directory", options->folder,
                         "Folder to write into (made if missing; default: the current folder)");
     extract->add_option("--only", options->only,

@@ -5,9 +5,11 @@
 #include "cli/commands.h"
 #include "cli/exit_codes.h"
 #include "cli/pending_file.h"
+#include "mail/mail_library.h"
 
 int main(int argc, char** argv) {
     tnefcli::newFileMode();  // read the umask before any worker thread starts
+    tnefmail::MailLibrary mail;
     CLI::App app{"Reads TNEF streams (winmail.dat): lists, extracts and renders what they hold.",
                  "tnef-reader"};
     app.set_version_flag("--version", "tnef-reader " TNEF_VERSION);
@@ -19,6 +21,7 @@ int main(int argc, char** argv) {
     tnefcli::addShowCommand(app, exitCode);
     tnefcli::addPropsCommand(app, exitCode);
     tnefcli::addBatchCommand(app, exitCode);
+    tnefcli::addUnwrapCommand(app, exitCode);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {

@@ -10,6 +10,7 @@
 #include "cli/element_values.h"
 #include "cli/exit_codes.h"
 #include "cli/index_path.h"
+#include "cli/mail_parts.h"
 #include "cli/json_output.h"
 #include "cli/open_input.h"
 #include "cli/report_text.h"
@@ -22,6 +23,7 @@ namespace {
 
 struct PropsOptions {
     std::string file;
+    PartChoice part;
     std::optional<std::string> index;
     std::vector<std::string> tags;
     bool json = false;
@@ -116,7 +118,7 @@ nlohmann::ordered_json linesJson(Session& session, const std::vector<PropertyLin
 int runProps(const PropsOptions& options) {
     std::vector<uint32_t> tags;
     for (const std::string& text : options.tags) tags.push_back(*parseTag(text));
-    OpenedInput input = openInput(options.file, false);
+    OpenedInput input = openInput(options.file, false, options.part);
     if (!input.usable()) return reportUnusable(options.file, input, options.json);
     IndexPath path = options.index ? *parseIndexPath(*options.index)
                                    : IndexPath{std::max(input.session->messageIndex(), 0)};
@@ -133,6 +135,7 @@ int runProps(const PropsOptions& options) {
 
     if (options.json) {
         auto report = fileReportHead(options.file, input.status, input.error);
+        addPartKey(report, input);
         report["index"] = index;
         if (path.size() > 1) report["indexPath"] = indexPathText(path);
         report["queryStatus"] = status;
@@ -158,7 +161,8 @@ void addPropsCommand(CLI::App& app, int& exitCode) {
     auto options = std::make_shared<PropsOptions>();
     CLI::App* props = app.add_subcommand(
         "props", "Show the message's seven summary elements, or MAPI properties by tag");
-    props->add_option("FILE", options->file, "The TNEF file, or - for standard input")->required();
+    props->add_option("FILE", options->file, kFileHelp)->required();
+    addPartOption(*props, options->part);
     props->add_option("--index", options->index,
                       "Subfile to query, as numbered by list (2, or 2/0 inside the message "
                       "embedded as 2; default: the message)")

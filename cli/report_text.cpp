@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "cli/json_output.h"
+#include "cli/mail_parts.h"
 
 namespace tnefcli {
 
@@ -14,7 +15,9 @@ void printError(const std::string& file, const std::string& what) {
 int reportUnusable(const std::string& file, const OpenedInput& input, bool json) {
     std::string error = input.error.value_or("cannot be read");
     if (json) {
-        printJson(fileReportHead(file, input.status, error));
+        auto head = fileReportHead(file, input.status, error);
+        addPartKey(head, input);
+        printJson(head);
     } else {
         printError(file, error);
     }

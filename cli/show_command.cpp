@@ -12,6 +12,7 @@
 #include "cli/commands.h"
 #include "cli/exit_codes.h"
 #include "cli/index_path.h"
+#include "cli/mail_parts.h"
 #include "cli/message_output.h"
 #include "cli/open_input.h"
 #include "cli/report_text.h"
@@ -25,6 +26,7 @@ namespace {
 
 struct ShowOptions {
     std::string file;
+    PartChoice part;
     std::string format = "auto";
     std::string charset;
     bool raw = false;
@@ -59,7 +61,7 @@ PathTarget findMessage(Session& top, const std::optional<std::string>& index) {
 }
 
 int runShow(const ShowOptions& options) {
-    OpenedInput input = openInput(options.file, false);
+    OpenedInput input = openInput(options.file, false, options.part);
     if (!input.usable()) return reportUnusable(options.file, input, false);
     warnDamaged(options.file, input);
     PathTarget message = findMessage(*input.session, options.index);
@@ -98,7 +100,8 @@ int runShow(const ShowOptions& options) {
 void addShowCommand(CLI::App& app, int& exitCode) {
     auto options = std::make_shared<ShowOptions>();
     CLI::App* show = app.add_subcommand("show", "Render the message to standard output");
-    show->add_option("FILE", options->file, "The TNEF file, or - for standard input")->required();
+    show->add_option("FILE", options->file, kFileHelp)->required();
+    addPartOption(*show, options->part);
     show->add_option("--format", options->format,
                      "Form of the message: auto (HTML when the message has HTML, else text), "
                      "text, html, or rtf (the module's RTF)")

@@ -1,5 +1,7 @@
 // Writes the seed corpora of the fuzz targets, one folder per target, from
 // our own writers: make_fuzz_seeds DIR.
+#include <gmime/gmime.h>
+
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -73,6 +75,41 @@ std::vector<Bytes> compoundFileSeeds() {
             buildCfb({CfbEntryLayout::emptyStorage("Objects"), {"\x01" "Ole", oleLinkStream(OleLink{}).bytes}})};
 }
 
+// Base64 of `bytes` in lines, as mail carries it.
+std::string base64(const Bytes& bytes) {
+    std::string out(bytes.size() * 2 + 80, '\0');
+    int state = 0;
+    guint32 save = 0;
+    size_t n = g_mime_encoding_base64_encode_close(bytes.data(), bytes.size(),
+                                                   reinterpret_cast<unsigned char*>(out.data()), &state, &save);
+    out.resize(n);
+    return out;
+}
+
+std::vector<Bytes> mailSeeds() {
+    using namespace tneftest;
+    std::string tnef = base64(buildMessage(
+        {.body = "mail body",
+         .props = {Prop::string8(kTagSubject8, "s"), Prop::string8(kTagBodyHtml8, "<p>hi<img src=cid:i@x></p>")},
+         .attachments = {{"a.txt", bytesOf("attached"), {Prop::string8(0x3712001E, "i@x")}}}}));
+    std::string head = "From: a@x\nSubject: s\nMIME-Version: 1.0\n";
+    std::string tnefPart = "Content-Type: application/ms-tnef; name=\"winmail.dat\"\n"
+                           "Content-Transfer-Encoding: base64\n\n" + tnef;
+    std::string mixed = head + "Content-Type: multipart/mixed; boundary=\"b\"\n\n--b\n"
+                        "Content-Type: text/plain\n\nmail body\n--b\n" + tnefPart + "\n--b--\n";
+    std::vector<std::string> texts = {
+        head + tnefPart,
+        mixed,
+        head + "Content-Type: multipart/mixed; boundary=\"o\"\n\n--o\nContent-Type: message/rfc822\n\n" +
+            mixed + "\n--o--\n",
+        "From a@x Mon Jan  1 00:00:00 2024\n" + head + "\n>From here\n\nFrom b@x Mon Jan  1 00:00:00 2024\n" + mixed,
+        head + "Content-Type: text/plain\n\nno TNEF here\n",
+    };
+    std::vector<Bytes> seeds;
+    for (const std::string& text : texts) seeds.push_back(bytesOf(text));
+    return seeds;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -86,5 +123,8 @@ int main(int argc, char** argv) {
     writeSeeds(root / "rtf_readers", rtfReaderSeeds());
     writeSeeds(root / "ole_descriptors", descriptorSeeds());
     writeSeeds(root / "compound_file", compoundFileSeeds());
+    g_mime_init();
+    writeSeeds(root / "mail", mailSeeds());
+    g_mime_shutdown();
     return 0;
 }

@@ -23,7 +23,7 @@ export ASAN_OPTIONS="detect_leaks=1:${ASAN_OPTIONS:-}"
 export UBSAN_OPTIONS="print_stacktrace=1:halt_on_error=1:${UBSAN_OPTIONS:-}"
 
 failed=()
-for target in module rtf_decoder rtf_readers ole_descriptors compound_file; do
+for target in module rtf_decoder rtf_readers ole_descriptors compound_file mail; do
   corpus="$build/corpus/$target"
   log="$build/fuzz_$target.log"
   mkdir -p "$corpus"

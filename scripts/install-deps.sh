@@ -3,6 +3,7 @@
 set -euo pipefail
 packages=(g++ cmake make libgtest-dev libgmock-dev libbenchmark-dev libcli11-dev nlohmann-json3-dev libxml2-dev
           clang libclang-rt-14-dev binutils python3
+          pkg-config libgmime-3.0-dev libmagic-dev media-types  # mail: GMime, libmagic, mime.types
           dpkg-dev file man-db  # packaging (cpack's dependency list) and the manual page test
           emscripten chromium)  # the browser viewer's build and tests
 # The browser viewer's build and tests run on node and npm; a node from

@@ -86,7 +86,7 @@ std::map<std::string, std::set<std::string>> commandsAndOptions() {
 
 TEST(CliInstall, TheManualPageAndTheCompletionKnowEveryCommandAndOption) {
     auto commands = commandsAndOptions();
-    ASSERT_EQ(commands.size(), 6u);
+    ASSERT_EQ(commands.size(), 7u);
     std::string page = std::string(TNEF_SOURCE_DIR) + "/cli/tnef-reader.1";
     ToolRun man = runProgram("env", {"LC_ALL=C", "MANWIDTH=100", "man", "--warnings", "-l", page});
     ASSERT_EQ(man.exitCode, 0) << man.err;

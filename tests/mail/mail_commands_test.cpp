@@ -1,0 +1,94 @@
+// list, extract, show, props and batch on mail: the TNEF parts of messages,
+// mboxes and maildirs, found by content, picked with --part.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "tests/cli/cli_runner.h"
+#include "tests/mail/mail_kit.h"
+
+namespace tneftest {
+namespace {
+
+namespace fs = std::filesystem;
+
+Bytes tnefWith(const std::string& subject, const std::string& attachment) {
+    MessageLayout plan;
+    plan.body = "Body of " + subject;
+    plan.props = {Prop::string8(kTagSubject8, subject)};
+    plan.attachments.push_back({attachment, bytesOf("data of " + attachment), {}});
+    return buildMessage(plan);
+}
+
+GRef<GMimeObject> tnefPart(const std::string& subject, const std::string& attachment) {
+    return bytesPart("application/ms-tnef", tnefWith(subject, attachment), GMIME_CONTENT_ENCODING_BASE64,
+                     "winmail.dat");
+}
+
+TEST(MailCommands, EachCommandReadsTheTnefPartsOfMail) {
+    TempDir dir;
+    // Two TNEF parts in one message; an mbox of a message without TNEF and
+    // one with; a maildir holding the two-part message; a message without TNEF.
+    std::string two = messageBytes(multipart("mixed", {tnefPart("First", "a.txt"), tnefPart("Second", "b.txt")}));
+    std::string none = messageBytes(bytesPart("text/plain", bytesOf("Hi\n"), GMIME_CONTENT_ENCODING_7BIT), "n@x");
+    std::ofstream(dir / "two.eml") << two;
+    std::ofstream(dir / "none.eml") << none;
+    std::ofstream(dir / "box.mbox") << "From a@x Mon Jan  1 00:00:00 2024\n" << none << "\n"
+                                    << "From b@x Mon Jan  1 00:00:00 2024\n"
+                                    << messageBytes(tnefPart("Third", "c.txt"), "t@x") << "\n";
+    for (const char* sub : {"cur", "new", "tmp"}) fs::create_directories(dir.path() / "md" / sub);
+    std::ofstream(dir / "md/new/1.host") << two;
+    struct Case {
+        std::vector<std::string> args;
+        std::string stdinFile;
+        int exitCode;
+        std::string jsonPointer;  // into the JSON report
+        Json expected;
+    } cases[] = {
+        {{"list", dir / "two.eml", "--json"}, "", 0, "/parts/1/subfiles/1/name", "b.txt"},
+        {{"list", "-", "--json"}, dir / "two.eml", 0, "/parts/1/message/messageId", "<m1@example.com>"},
+        {{"list", dir / "box.mbox", "--json", "--part", "0"}, "", 0, "/parts/0/message/number", 1},
+        {{"list", dir / "md", "--json"}, "", 0, "/parts/0/message/file", dir / "md/new/1.host"},
+        {{"props", dir / "two.eml", "--json", "--part", "1"}, "", 0, "/properties/5/value", "Second"},
+        {{"extract", dir / "two.eml", "--json", "-C", dir / "out"}, "", 0, "/part/mimePart", "1"},
+        {{"extract", dir / "box.mbox", "--json", "-C", dir / "out"}, "", 0, "/written/1/name", "c.txt"},
+        {{"show", dir / "none.eml"}, "", 2, "", nullptr},
+        {{"list", dir / "none.eml", "--json"}, "", 2, "/error", "no TNEF part in the message"},
+        {{"props", dir / "two.eml", "--part", "2"}, "", 1, "", nullptr},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.args[0] + " " + c.args[1]);
+        ToolRun run = runTool(c.args, c.stdinFile);
+        EXPECT_EQ(run.exitCode, c.exitCode) << run.err;
+        if (!c.jsonPointer.empty()) {
+            EXPECT_EQ(run.json().at(Json::json_pointer(c.jsonPointer)), c.expected);
+        }
+    }
+    ToolRun show = runTool({"show", dir / "two.eml", "--no-header"});
+    EXPECT_EQ(show.out, "Body of First");
+    EXPECT_NE(show.err.find("2 TNEF parts; reading part 0"), std::string::npos);
+}
+
+TEST(MailCommands, BatchGivesEachTnefPartAFolderAndSaysWhereThereIsNone) {
+    TempDir dir;
+    std::ofstream(dir / "box.mbox") << "From b@x Mon Jan  1 00:00:00 2024\n"
+                                    << messageBytes(tnefPart("One", "c.txt")) << "\n";
+    std::ofstream(dir / "two.eml") << messageBytes(
+        multipart("mixed", {tnefPart("First", "a.txt"), tnefPart("Second", "b.txt")}));
+    std::ofstream(dir / "none.eml") << messageBytes(bytesPart("text/plain", bytesOf("Hi\n"), GMIME_CONTENT_ENCODING_7BIT));
+    ToolRun run = runTool({"batch", dir / "box.mbox", dir / "two.eml", dir / "none.eml", "-C", dir / "out", "--json"});
+    EXPECT_EQ(run.exitCode, 0) << run.err;
+    EXPECT_EQ(run.json()["counts"], (Json{{"files", 4}, {"ok", 3}, {"partial", 0}, {"failed", 0}, {"noTnef", 1}}));
+    EXPECT_EQ(run.json()["files"][3]["outcome"], "no TNEF");
+    std::vector<std::string> files = filesBelow(dir.path() / "out");
+    std::vector<std::string> attachments;
+    for (const std::string& file : files) {
+        if (file.find(".txt") != std::string::npos && file.find(".mail") == std::string::npos) attachments.push_back(file);
+    }
+    EXPECT_EQ(attachments, (std::vector<std::string>{"box.mbox/message 0/c.txt", "two.eml/part 0/a.txt",
+                                                     "two.eml/part 1/b.txt"}));
+}
+
+}  // namespace
+}  // namespace tneftest

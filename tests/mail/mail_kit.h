@@ -1,0 +1,39 @@
+// Mail for the tests, built with GMime around streams from the test kit, and
+// read back with GMime.
+#pragma once
+
+#include <gmime/gmime.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "mail/gobject_ref.h"
+#include "tests/support/tnef_writer.h"
+
+namespace tneftest {
+
+using tnefmail::GRef;
+
+// A part of `type` holding `bytes` in `encoding`, with a file name when set.
+GRef<GMimeObject> bytesPart(const std::string& type, const Bytes& bytes,
+                            GMimeContentEncoding encoding, const char* name = nullptr);
+GRef<GMimeObject> multipart(const char* subtype, const std::vector<GRef<GMimeObject>>& parts);
+// message/rfc822 around a message with `body`.
+GRef<GMimeObject> messagePart(GRef<GMimeObject> body);
+// A whole message with From, Subject, Message-ID and X-MS-TNEF-Correlator
+// around `body`, as bytes.
+std::string messageBytes(GRef<GMimeObject> body, const std::string& id = "m1@example.com");
+
+// What a reader finds in a message: parts with a file name, by name, with
+// their decoded bytes; the texts of the text/plain parts without one; how
+// many TNEF parts are left. GMime is started for the whole test program.
+struct ReadBack {
+    std::map<std::string, std::string> attachments;
+    std::vector<std::string> texts;
+    size_t tnefParts = 0;
+    bool correlator = false;
+};
+ReadBack readBack(const std::string& messageBytes);
+
+}  // namespace tneftest

@@ -1,0 +1,239 @@
+// unwrap end to end: messages built with GMime around streams from the test
+// kit go through the tool, and what comes out is read again by GMime and by
+// Python's email package.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <sstream>
+
+#include "tests/cli/cli_runner.h"
+#include "tests/support/lzfu_compressor.h"
+#include "tests/mail/mail_kit.h"
+
+namespace tneftest {
+namespace {
+
+namespace fs = std::filesystem;
+
+const std::string kBody = "The figures are attached.";
+const std::string kPdf = "%PDF-1.4 quarterly figures\n";
+const std::string kPng = "\x89PNG\r\n\x1a\n logo bytes";
+
+// A message with text and HTML bodies (or only an RTF body that
+// encapsulates text), an attachment with a non-ASCII name, an image the
+// HTML shows by cid:, and an embedded message with an attachment of its own.
+Bytes richTnef(bool rtfOnly = false) {
+    MessageLayout inner;
+    inner.body = "Inner body";
+    inner.props = {Prop::string8(kTagSubject8, "Inner")};
+    inner.attachments.push_back({"inner.txt", bytesOf("inner attachment"), {}});
+    MessageLayout plan;
+    plan.body = kBody;
+    plan.props = {Prop::string8(kTagSubject8, "Figures"),
+                  Prop::string8(kTagBodyHtml8, "<html><body><p>" + kBody +
+                                                   "</p><img src=\"cid:logo@x\"></body></html>")};
+    plan.attachments.push_back(
+        {"report.pdf", bytesOf(kPdf), {Prop::unicode(kTagAttachLongFilename16, "Bericht für März.pdf")}});
+    plan.attachments.push_back({"logo.png", bytesOf(kPng), {Prop::string8(0x3712001E, "logo@x")}});
+    plan.attachments.push_back(embeddedMessage("Inner", buildMessage(inner)));
+    if (rtfOnly) {
+        plan.body.reset();
+        plan.props = {Prop::binary(kTagRtfCompressed,
+                                   compressRtf(bytesOf("{\\rtf1\\ansi\\fromtext " + kBody + "\\par}")))};
+    }
+    return buildMessage(plan);
+}
+
+Bytes damagedTnef() {
+    return TnefWriter()
+        .version()
+        .record(kLevelMessage, 0x9003, propertyBlock({Prop::string8(kTagSubject8, "x")}),
+                {0x0006, uint16_t{0xBEEF}})
+        .bytes();
+}
+
+const std::map<std::string, std::string> kAttachments = {
+    {"Bericht für März.pdf", kPdf}, {"logo.png", kPng}, {"inner.txt", "inner attachment"}};
+
+std::string slurp(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::stringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+// The checks of Python's email package (tests/mail/check_unwrapped.py).
+int pythonCheck(const TempDir& dir, const std::string& file) {
+    nlohmann::json expect = {{"body", kBody}, {"attachments", nlohmann::json::object()}};
+    for (const auto& [name, bytes] : kAttachments) {
+        std::string path = writeFile(dir.path() / "attachment", Bytes(bytes.begin(), bytes.end()));
+        expect["attachments"][name] = sha256Of(path);
+    }
+    std::ofstream(dir / "expect.json") << expect.dump();
+    std::string command = "python3 '" TNEF_MAIL_CHECKER "' '" + file + "' '" + (dir / "expect.json") + "'";
+    return std::system(command.c_str());
+}
+
+TEST(Unwrap, EveryShapeOfTnefMailBecomesStandardMime) {
+    Bytes tnef = richTnef(), rtfOnly = richTnef(true);
+    struct Case {
+        const char* what;
+        std::function<GRef<GMimeObject>()> body;
+    } cases[] = {
+        {"single-part TNEF, base64",
+         [&] { return bytesPart("application/ms-tnef", tnef, GMIME_CONTENT_ENCODING_BASE64, "winmail.dat"); }},
+        {"text and winmail.dat, quoted-printable",
+         [&] {
+             return multipart("mixed", {bytesPart("text/plain", bytesOf(kBody + "\n"), GMIME_CONTENT_ENCODING_7BIT),
+                                        bytesPart("application/octet-stream", tnef,
+                                                  GMIME_CONTENT_ENCODING_QUOTEDPRINTABLE, "winmail.dat")});
+         }},
+        {"TNEF in a forwarded message/rfc822",
+         [&] {
+             return multipart("mixed", {bytesPart("text/plain", bytesOf("See below.\n"), GMIME_CONTENT_ENCODING_7BIT),
+                                        messagePart(bytesPart("application/vnd.ms-tnef", tnef,
+                                                              GMIME_CONTENT_ENCODING_BASE64, "win.dat"))});
+         }},
+        {"a body stored only as RTF",
+         [&] { return bytesPart("application/ms-tnef", rtfOnly, GMIME_CONTENT_ENCODING_BASE64, "winmail.dat"); }},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        TempDir dir;
+        std::string in = dir / "in.eml", out = dir / "out.eml";
+        std::ofstream(in, std::ios::binary) << messageBytes(c.body());
+        ToolRun run = runTool({"unwrap", in, "-o", out});
+        ASSERT_EQ(run.exitCode, 0) << run.err;
+        ReadBack found = readBack(slurp(out));
+        EXPECT_EQ(found.tnefParts, 0u);
+        EXPECT_FALSE(found.correlator);
+        EXPECT_EQ(found.attachments, kAttachments);
+        size_t bodies = 0;
+        for (const std::string& text : found.texts) bodies += text.find(kBody) != std::string::npos;
+        EXPECT_EQ(bodies, 1u);
+        EXPECT_EQ(pythonCheck(dir, out), 0);
+    }
+}
+
+TEST(Unwrap, WhatHasNoReadableTnefComesOutByteForByte) {
+    GRef<GMimeObject> hi = bytesPart("text/plain", bytesOf("Hi\n"), GMIME_CONTENT_ENCODING_7BIT);
+    struct Case {
+        const char* what;
+        std::string message;
+        int exitCode;
+    } cases[] = {
+        {"no TNEF", messageBytes(multipart("mixed", {hi, bytesPart("application/pdf", bytesOf(kPdf),
+                                                                   GMIME_CONTENT_ENCODING_BASE64, "a.pdf")})),
+         0},
+        {"damaged TNEF",
+         messageBytes(multipart("mixed", {hi, bytesPart("application/ms-tnef", damagedTnef(),
+                                                        GMIME_CONTENT_ENCODING_BASE64, "winmail.dat")})),
+         3},
+        {"signed TNEF",
+         messageBytes(multipart("signed", {bytesPart("application/ms-tnef", richTnef(), GMIME_CONTENT_ENCODING_BASE64,
+                                                     "winmail.dat"),
+                                           bytesPart("application/pgp-signature", bytesOf("sig"),
+                                                     GMIME_CONTENT_ENCODING_7BIT)})),
+         3},
+        {"not mail at all", "\x01\x02 no header\n\nFrom nowhere\n", 0},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        TempDir dir;
+        std::string in = dir / "in.eml";
+        std::ofstream(in, std::ios::binary) << c.message;
+        ToolRun run = runTool({"unwrap", "-"}, in);
+        EXPECT_EQ(run.exitCode, c.exitCode);
+        EXPECT_EQ(run.out, c.message);
+        EXPECT_EQ(run.err.find("left as it was") != std::string::npos, c.exitCode == 3) << run.err;
+    }
+}
+
+TEST(Unwrap, MboxInMboxOutKeepsOtherMessagesAndTheirEscapes) {
+    std::string plain = "From a@example.com Mon Jan  1 00:00:00 2024\nSubject: plain\n\n>From the past\n\n";
+    std::string tnef = "From b@example.com Mon Jan  1 00:00:00 2024\n" +
+                       messageBytes(bytesPart("application/ms-tnef", richTnef(),
+                                              GMIME_CONTENT_ENCODING_BASE64, "winmail.dat")) + "\n";
+    TempDir dir;
+    std::string in = dir / "in.mbox";
+    std::ofstream(in, std::ios::binary) << plain << tnef << plain;
+    ToolRun run = runTool({"unwrap", in});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    ASSERT_GT(run.out.size(), 2 * plain.size());
+    EXPECT_EQ(run.out.substr(0, plain.size()), plain);
+    EXPECT_EQ(run.out.substr(run.out.size() - plain.size()), plain);
+    std::string middle = run.out.substr(plain.size(), run.out.size() - 2 * plain.size());
+    EXPECT_EQ(middle.rfind("From b@example.com ", 0), 0u);
+    EXPECT_EQ(middle.substr(middle.size() - 2), "\n\n");
+    EXPECT_EQ(readBack(middle.substr(middle.find('\n') + 1)).attachments, kAttachments);
+}
+
+// Runs the tool under a file size limit of `kib` KiB, so that writing more
+// fails as a full disk would.
+int runLimited(size_t kib, const std::vector<std::string>& args) {
+    std::string command = "bash -c 'ulimit -f " + std::to_string(kib) + "; trap \"\" XFSZ; exec \"$0\" \"$@\"' '" TNEF_CLI_PATH "'";
+    for (const std::string& arg : args) command += " '" + arg + "'";
+    int status = std::system((command + " 2>/dev/null").c_str());
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+TEST(Unwrap, InPlaceReplacesWholeFilesOrLeavesThemAlone) {
+    Bytes big(300 * 1024);
+    for (size_t i = 0; i < big.size(); ++i) big[i] = static_cast<uint8_t>(i * 7 + i / 251);
+    MessageLayout plan;
+    plan.body = kBody;
+    plan.attachments.push_back({"big.bin", big, {}});
+    std::string message = messageBytes(
+        bytesPart("application/ms-tnef", buildMessage(plan), GMIME_CONTENT_ENCODING_BASE64, "winmail.dat"));
+    std::string damaged = messageBytes(
+        bytesPart("application/ms-tnef", damagedTnef(), GMIME_CONTENT_ENCODING_BASE64, "winmail.dat"));
+    struct Case {
+        const char* what;
+        const std::string& content;
+        size_t limitKib;  // 0: none
+        int exitCode;
+        bool rewritten;
+    } cases[] = {
+        {"readable", message, 0, 0, true},
+        {"the new file can't be written whole", message, 360, 2, false},
+        {"damaged", damaged, 0, 3, false},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        TempDir dir;
+        std::string file = dir / "msg.eml";
+        std::ofstream(file, std::ios::binary) << c.content;
+        int code = c.limitKib == 0 ? runTool({"unwrap", "--in-place", file}).exitCode
+                                   : runLimited(c.limitKib, {"unwrap", "--in-place", file});
+        EXPECT_EQ(code, c.exitCode);
+        EXPECT_EQ(filesBelow(dir.path()), std::vector<std::string>{"msg.eml"});
+        std::string now = slurp(file);
+        EXPECT_EQ(now != c.content, c.rewritten);
+        if (c.rewritten) {
+            EXPECT_EQ(readBack(now).attachments.at("big.bin"), std::string(big.begin(), big.end()));
+        }
+    }
+}
+
+TEST(Unwrap, MaildirFilesAreRewrittenInPlaceWithTheirSizeInTheName) {
+    TempDir dir;
+    for (const char* sub : {"cur", "new", "tmp"}) fs::create_directories(dir.path() / "box" / sub);
+    std::string plain = messageBytes(bytesPart("text/plain", bytesOf("Hi\n"), GMIME_CONTENT_ENCODING_7BIT));
+    std::ofstream(dir / "box/new/1.M1.host,S=99:2,") << plain;
+    std::ofstream(dir / "box/cur/2.M2.host,S=99:2,S")
+        << messageBytes(bytesPart("application/ms-tnef", richTnef(), GMIME_CONTENT_ENCODING_BASE64, "winmail.dat"));
+    ToolRun run = runTool({"unwrap", "--in-place", dir / "box"});
+    ASSERT_EQ(run.exitCode, 0) << run.err;
+    std::vector<std::string> files = filesBelow(dir.path() / "box");
+    ASSERT_EQ(files.size(), 2u);
+    std::string rewritten = (dir.path() / "box" / files[0]).string();
+    EXPECT_EQ(files[0], "cur/2.M2.host,S=" + std::to_string(fs::file_size(rewritten)) + ":2,S");
+    EXPECT_EQ(readBack(slurp(rewritten)).attachments, kAttachments);
+    EXPECT_EQ(files[1], "new/1.M1.host,S=99:2,");
+    EXPECT_EQ(slurp(dir / "box/new/1.M1.host,S=99:2,"), plain);
+}
+
+}  // namespace
+}  // namespace tneftest
