@@ -8,7 +8,7 @@
 #include "cli/commands.h"
 #include "cli/exit_codes.h"
 #include "cli/json_output.h"
-#include "cli/listing_json.h"
+#include "client/listing_json.h"
 #include "cli/mail_parts.h"
 #include "cli/open_input.h"
 #include "cli/report_text.h"

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "cli/commands.h"
-#include "cli/element_values.h"
+#include "client/element_values.h"
 #include "cli/exit_codes.h"
 #include "cli/index_path.h"
 #include "cli/mail_parts.h"

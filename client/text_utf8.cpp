@@ -2,28 +2,11 @@
 #include <vector>
 
 #include "client/tnef_client.h"
+#include "rtf/code_pages.h"
 
 namespace tnefclient {
 
 namespace {
-
-void appendCodePoint(std::string& out, uint32_t cp) {
-    if (cp < 0x80) {
-        out += static_cast<char>(cp);
-    } else if (cp < 0x800) {
-        out += static_cast<char>(0xC0 | (cp >> 6));
-        out += static_cast<char>(0x80 | (cp & 0x3F));
-    } else if (cp < 0x10000) {
-        out += static_cast<char>(0xE0 | (cp >> 12));
-        out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (cp & 0x3F));
-    } else {
-        out += static_cast<char>(0xF0 | (cp >> 18));
-        out += static_cast<char>(0x80 | ((cp >> 12) & 0x3F));
-        out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (cp & 0x3F));
-    }
-}
 
 constexpr uint32_t kReplacement = 0xFFFD;
 
@@ -116,12 +99,12 @@ std::string utf16leToUtf8(const uint8_t* bytes, size_t length) {
         if (unit >= 0xD800 && unit <= 0xDBFF && i + 1 < units) {
             uint32_t low = bytes[2 * i + 2] | (static_cast<uint32_t>(bytes[2 * i + 3]) << 8);
             if (low >= 0xDC00 && low <= 0xDFFF) {
-                appendCodePoint(out, 0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00));
+                tnefrtf::appendUtf8(out, 0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00));
                 ++i;
                 continue;
             }
         }
-        appendCodePoint(out, (unit >= 0xD800 && unit <= 0xDFFF) ? kReplacement : unit);
+        tnefrtf::appendUtf8(out, (unit >= 0xD800 && unit <= 0xDFFF) ? kReplacement : unit);
     }
     return out;
 }
@@ -133,7 +116,7 @@ std::string eightBitToUtf8(HostContext* host, std::string_view text, CharsetId c
     // A host without the service: each byte as the code point of its value,
     // which is right for ASCII and Latin-1 and keeps the text readable.
     out.clear();
-    for (char c : text) appendCodePoint(out, static_cast<uint8_t>(c));
+    for (char c : text) tnefrtf::appendUtf8(out, static_cast<uint8_t>(c));
     return out;
 }
 

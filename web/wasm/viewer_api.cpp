@@ -11,8 +11,8 @@
 #include <string>
 #include <vector>
 
-#include "cli/element_values.h"
-#include "cli/listing_json.h"
+#include "client/element_values.h"
+#include "client/listing_json.h"
 #include "client/tnef_client.h"
 #include "host/posix_host.h"
 #include "oleio/ole_interface.h"
@@ -136,8 +136,8 @@ EMSCRIPTEN_KEEPALIVE const char* tnefViewerListing(ViewerStream* stream) {
     if (!stream->usable) return answer(stream, report);
     tnefclient::Session& session = *stream->session;
     tnefclient::Listing listing = tnefclient::readListing(session);
-    report["summary"] = tnefcli::summaryJson(listing.summary);
-    ordered_json subfiles = tnefcli::subfilesJson(listing);
+    report["summary"] = tnefclient::summaryJson(listing.summary);
+    ordered_json subfiles = tnefclient::subfilesJson(listing);
     for (ordered_json& subfile : subfiles) {
         if (session.holdsEmbeddedMessage(subfile["index"].get<int32_t>())) subfile["embedded"] = true;
     }
@@ -159,14 +159,14 @@ EMSCRIPTEN_KEEPALIVE const char* tnefViewerProperties(ViewerStream* stream, int3
             session.properties(index, std::vector<uint32_t>(tags, tags + count), &status);
         report["queryStatus"] = status;
         for (tnefclient::Element& element : elements) {
-            ordered_json property = {{"tag", tnefcli::tagText(element.tag)},
-                                     {"type", tnefcli::elementTypeName(element)}};
+            ordered_json property = {{"tag", tnefclient::tagText(element.tag)},
+                                     {"type", tnefclient::elementTypeName(element)}};
             size_t shown = element.type == kElementBinary ? kShownBinary : kShownText;
             if (element.bytes.size() > shown) {
                 property["size"] = element.bytes.size();
                 element.bytes.resize(shown);
             }
-            property["value"] = tnefcli::elementJson(session.host(), element, session.messageCharset());
+            property["value"] = tnefclient::elementJson(session.host(), element, session.messageCharset());
             properties.push_back(std::move(property));
         }
     }

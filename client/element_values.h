@@ -7,20 +7,20 @@
 
 #include "client/tnef_client.h"
 
-namespace tnefcli {
+namespace tnefclient {
 
 // "text8", "text16", "integer", "time", ... ; "none" for an element
 // without a value.
-const char* elementTypeName(const tnefclient::Element& element);
+const char* elementTypeName(const Element& element);
 
 // The value as JSON: null when there is none.
-nlohmann::ordered_json elementJson(HostContext* host, const tnefclient::Element& element,
+nlohmann::ordered_json elementJson(HostContext* host, const Element& element,
                                    CharsetId charset);
 
 // The value as one line of text; empty when there is none.
-std::string elementText(HostContext* host, const tnefclient::Element& element, CharsetId charset);
+std::string elementText(HostContext* host, const Element& element, CharsetId charset);
 
 // A property tag as "0x0037001E".
 std::string tagText(uint32_t tag);
 
-}  // namespace tnefcli
+}  // namespace tnefclient

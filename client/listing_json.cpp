@@ -1,8 +1,6 @@
-#include "cli/listing_json.h"
+#include "client/listing_json.h"
 
-namespace tnefcli {
-
-using namespace tnefclient;
+namespace tnefclient {
 
 namespace {
 
@@ -24,10 +22,10 @@ nlohmann::ordered_json nestedJson(const NestedListing& nested) {
 nlohmann::ordered_json subfileJson(const ListedSubfile& subfile) {
     const SubfileEntry& e = subfile.entry;
     nlohmann::ordered_json out = {{"index", e.index},
-                          {"name", orNull(subfile.name)},
-                          {"type", subfileTypeName(e.type)},
-                          {"size", e.size},
-                          {"time", orNull(subfile.time)}};
+                                  {"name", orNull(subfile.name)},
+                                  {"type", subfileTypeName(e.type)},
+                                  {"size", e.size},
+                                  {"time", orNull(subfile.time)}};
     if (e.hasCharset) out["charset"] = e.charset;
     out["parentIndex"] = e.parentIndex;
     if (!e.children.empty()) out["children"] = e.children;
@@ -51,4 +49,4 @@ nlohmann::ordered_json subfilesJson(const Listing& listing) {
     return subfiles;
 }
 
-}  // namespace tnefcli
+}  // namespace tnefclient

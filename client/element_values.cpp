@@ -1,11 +1,9 @@
-#include "cli/element_values.h"
+#include "client/element_values.h"
 
 #include <cstdio>
 #include <cstring>
 
-namespace tnefcli {
-
-using namespace tnefclient;
+namespace tnefclient {
 
 namespace {
 
@@ -90,4 +88,4 @@ std::string tagText(uint32_t tag) {
     return text;
 }
 
-}  // namespace tnefcli
+}  // namespace tnefclient
