@@ -95,12 +95,6 @@ TEST(Extract, FailedReadsEndTheCopyEarly) {
     }
 }
 
-}  // namespace
-}  // namespace tneftest
-
-namespace tneftest {
-namespace {
-
 std::string renderedStart(OpenedStream& s, uint32_t flags) {
     Extraction e = extractSubfile(s, 0, flags);
     EXPECT_EQ(e.status, 0);

@@ -5,10 +5,12 @@
 
 #include "render/stored_body.h"
 #include "tests/support/lzfu_compressor.h"
-#include "tests/render/summary_header_support.h"
+#include "tests/render/render_support.h"
 
 namespace tneftest {
 namespace {
+
+using render::withProps;
 
 const std::string kHtmlHeader =
     "<html>\r\n<head><meta http-equiv=\"content-type\" content=\"text/html\" /></head>\r\n"
@@ -29,24 +31,29 @@ std::string writeBody(OpenedStream& s, BodyForm form, bool omitHeader = false) {
     return output.text();
 }
 
-using summaryheader::withProps;
-MessageLayout rtfMessage(const std::string& text) {
-    return withProps({Prop::binary(kTagRtfCompressed, compressRtf(bytesOf(text)))});
+Prop rtf(const std::string& text) {
+    return Prop::binary(kTagRtfCompressed, compressRtf(bytesOf(text)));
 }
 
-TEST(StoredBody, RtfSeam) {
-    struct Case { const char* text; bool omitHeader; std::string expected; };
+TEST(StoredBody, Bodies) {
+    const std::string big(9000, 'h');  // three blocks
+    struct Case { std::vector<Prop> props; BodyForm form; bool omitHeader; std::string expected; };
     const Case cases[] = {
-        {"{\\rtf1\\ansi hi}", false, kRtfHeader + "\\rtf1\\ansi hi}"},
-        {"{\\rtf1\\ansi hi}", true, "{\\rtf1\\ansi hi}"},
-        {"{\\RTF1 hi}", false, kRtfHeader + "\\RTF1 hi}"},
-        {"{\\rtf2 hi}", false, kRtfHeader + "{\\rtf2 hi}"},
-        {"{\\rtf", false, kRtfHeader + "{\\rtf"},
-        {"plain", false, kRtfHeader + "plain"},
+        {{rtf("{\\rtf1\\ansi hi}")}, kBodyRtf, false, kRtfHeader + "\\rtf1\\ansi hi}"},
+        {{rtf("{\\rtf1\\ansi hi}")}, kBodyRtf, true, "{\\rtf1\\ansi hi}"},
+        {{rtf("{\\RTF1 hi}")}, kBodyRtf, false, kRtfHeader + "\\RTF1 hi}"},
+        {{rtf("{\\rtf2 hi}")}, kBodyRtf, false, kRtfHeader + "{\\rtf2 hi}"},
+        {{rtf("{\\rtf")}, kBodyRtf, false, kRtfHeader + "{\\rtf"},
+        {{rtf("plain")}, kBodyRtf, false, kRtfHeader + "plain"},
+        {{Prop::binary(kTagHtml, bytesOf("<p>bin</p>")), Prop::string8(kTagBodyHtml8, "<p>str</p>")}, kBodyHtml,
+         false, kHtmlHeader + std::string("<p>str</p>\0", 11)},  // the 8-bit string, with its zero byte
+        {{Prop::binary(kTagHtml, bytesOf(big))}, kBodyHtml, false, kHtmlHeader + big},
+        {{Prop::binary(kTagHtml, bytesOf("<p>x</p>"))}, kBodyHtml, true, "<p>x</p>"},
+        {{}, kBodyHtml, false, kHtmlHeader},
     };
     for (const Case& c : cases) {
-        OpenedStream s(buildMessage(rtfMessage(c.text)));
-        EXPECT_EQ(writeBody(s, kBodyRtf, c.omitHeader), c.expected) << c.text;
+        OpenedStream s(buildMessage(withProps(c.props)));
+        EXPECT_EQ(writeBody(s, c.form, c.omitHeader), c.expected);
         EXPECT_EQ(s.close(), "");
     }
 }
@@ -55,27 +62,10 @@ TEST(StoredBody, RtfSeam) {
 // refused, the decoder's buffer refused, nothing read.
 TEST(StoredBody, RtfFailuresLeaveTheHeader) {
     for (int failure = 1; failure <= 3; ++failure) {
-        OpenedStream s(buildMessage(rtfMessage("{\\rtf1 x}")));
+        OpenedStream s(buildMessage(withProps({rtf("{\\rtf1 x}")})));
         if (failure < 3) s.host.memory().refuseRequest(failure);
         if (failure == 3) s.input.failOperation(tnefhost::IoOp::kRead, 1);
         EXPECT_EQ(writeBody(s, kBodyRtf), kRtfHeader) << failure;
-        EXPECT_EQ(s.close(), "");
-    }
-}
-
-TEST(StoredBody, HtmlBodies) {
-    const std::string big(9000, 'h');  // three blocks
-    struct Case { std::vector<Prop> props; bool omitHeader; std::string expected; };
-    const Case cases[] = {
-        {{Prop::binary(kTagHtml, bytesOf("<p>bin</p>")), Prop::string8(kTagBodyHtml8, "<p>str</p>")}, false,
-         kHtmlHeader + std::string("<p>str</p>\0", 11)},  // the 8-bit string, with its zero byte
-        {{Prop::binary(kTagHtml, bytesOf(big))}, false, kHtmlHeader + big},
-        {{Prop::binary(kTagHtml, bytesOf("<p>x</p>"))}, true, "<p>x</p>"},
-        {{}, false, kHtmlHeader},
-    };
-    for (const Case& c : cases) {
-        OpenedStream s(buildMessage(withProps(c.props)));
-        EXPECT_EQ(writeBody(s, kBodyHtml, c.omitHeader), c.expected);
         EXPECT_EQ(s.close(), "");
     }
 }
