@@ -31,11 +31,8 @@ Bytes listedStream() {
 }
 
 struct Listed {
-    int32_t status;
+    int32_t status, type, size, parent;
     std::string name;
-    int32_t type;
-    int32_t size;
-    int32_t parent;
     std::vector<int32_t> children;
     CharsetId charset;
     uint64_t time;
@@ -59,49 +56,36 @@ Listed list(OpenedStream& s, int32_t index) {
     return out;
 }
 
+void expectListed(OpenedStream& s, int32_t index, const Listed& want) {
+    SCOPED_TRACE(index);
+    Listed got = list(s, index);
+    EXPECT_EQ(got.status, want.status);
+    EXPECT_EQ(got.type, want.type);
+    EXPECT_EQ(got.size, want.size);
+    EXPECT_EQ(got.parent, want.parent);
+    EXPECT_EQ(got.name, want.name);
+    EXPECT_EQ(got.children, want.children);
+    EXPECT_EQ(got.charset, want.charset);
+    EXPECT_EQ(got.time, want.time);
+}
+
+// Only the first object carries a charset (-1 stays where none is written);
+// the message's comes from its code page.
 TEST(SubfileInfo, TreeWithAndWithoutRootEntry) {
     for (uint32_t flags : {0u, 0x40000u}) {
         OpenedStream s(listedStream(), flags);
         ASSERT_EQ(s.status, 0);
         const int32_t o = flags != 0 ? 1 : 0;
         const std::string p = flags != 0 ? "root/" : "";
-        if (o == 1) {
-            Listed root = list(s, 0);
-            EXPECT_EQ(root.status, 0);
-            EXPECT_EQ(root.name, "root/");
-            EXPECT_EQ(root.type, 3);
-            EXPECT_EQ(root.parent, -1);
-            EXPECT_EQ(root.children, std::vector<int32_t>{1});
-        }
-        Listed message = list(s, o);
-        EXPECT_EQ(message.name, p + "Hello.mail");
-        EXPECT_EQ(message.type, 0);
-        EXPECT_EQ(message.size, 10);
-        EXPECT_EQ(message.parent, -1 + o);
-        EXPECT_EQ(message.children, (std::vector<int32_t>{1 + o, 2 + o, 3 + o, 4 + o}));
-        EXPECT_EQ(message.charset, 6) << "from the message code page";
-        EXPECT_EQ(message.time, kSubmitTime);
-
-        const struct {
-            const char* name;
-            int32_t type;
-            int32_t size;
-            uint64_t time;
-        } attachments[] = {{"plain.txt", 1, 3, kModified},
-                           {"zd2.tmp", 2, 24, kCreated},
-                           {"Fwd_zd3", 1, 0, 0},
-                           {"ref.doc", 1, 0, 0}};
-        for (int32_t i = 0; i < 4; ++i) {
-            Listed a = list(s, i + 1 + o);
-            EXPECT_EQ(a.status, 0);
-            EXPECT_EQ(a.name, p + attachments[i].name);
-            EXPECT_EQ(a.type, attachments[i].type) << i;
-            EXPECT_EQ(a.size, attachments[i].size) << i;
-            EXPECT_EQ(a.parent, o) << i;
-            EXPECT_TRUE(a.children.empty()) << i;
-            EXPECT_EQ(a.charset, -1) << i << ": not written on attachments";
-            EXPECT_EQ(a.time, attachments[i].time) << i;
-        }
+        std::vector<Listed> tree = {
+            {0, 0, 10, o - 1, p + "Hello.mail", {1 + o, 2 + o, 3 + o, 4 + o}, 6, kSubmitTime},
+            {0, 1, 3, o, p + "plain.txt", {}, -1, kModified},
+            {0, 2, 24, o, p + "zd2.tmp", {}, -1, kCreated},
+            {0, 1, 0, o, p + "Fwd_zd3", {}, -1, 0},
+            {0, 1, 0, o, p + "ref.doc", {}, -1, 0},
+        };
+        if (o == 1) tree.insert(tree.begin(), Listed{0, 3, 0, -1, "root/", {1}, -1, 0});
+        for (size_t i = 0; i < tree.size(); ++i) expectListed(s, static_cast<int32_t>(i), tree[i]);
         EXPECT_EQ(list(s, 5 + o).status, 34);
         EXPECT_EQ(list(s, -1).status, 34);
         EXPECT_EQ(s.results.liveBlocks(), 0u);
@@ -121,30 +105,25 @@ TEST(SubfileInfo, BadArguments) {
     s.container->objectCount -= 1;
 }
 
-TEST(SubfileInfo, MessageWithoutAttachmentsOrCodePage) {
-    OpenedStream s(buildMessage({.props = {Prop::string8(kTagSubject8, "x")}}));
-    Listed message = list(s, 0);
-    EXPECT_EQ(message.status, 0);
-    EXPECT_TRUE(message.children.empty());
-    EXPECT_EQ(message.charset, 0);
-    EXPECT_EQ(message.time, 0u);
-    EXPECT_EQ(message.size, 0);
-}
-
-TEST(SubfileInfo, UnnamableMessageGivesSix) {
-    OpenedStream s(buildMessage({.body = "b", .attachments = {{}}}));
-    EXPECT_EQ(list(s, 0).status, 6);
-    EXPECT_EQ(list(s, 1).name, "zd1.tmp");
-}
-
-TEST(SubfileInfo, FirstObjectThatIsAnAttachment) {
-    TnefWriter w;
-    w.attachRendData().attachTitle("first.txt").attachRendData();
-    OpenedStream s(w.bytes());
-    Listed first = list(s, 0);
-    EXPECT_EQ(first.type, 1);
-    EXPECT_EQ(first.children, std::vector<int32_t>{1});
-    EXPECT_EQ(first.name, "first.txt");
+// The first object of odd streams: a message without attachments or code
+// page, one that cannot be named, an attachment where the message should be
+// (an attachment keeps parent 0 even there).
+TEST(SubfileInfo, FirstObjectOfOddStreams) {
+    TnefWriter attachmentFirst;
+    attachmentFirst.attachRendData().attachTitle("first.txt").attachRendData();
+    struct Case { const char* what; Bytes stream; Listed expected; };
+    const Case cases[] = {
+        {"bare message", buildMessage({.props = {Prop::string8(kTagSubject8, "x")}}), {0, 0, 0, -1, "x.mail", {}, 0, 0}},
+        {"unnamable message", buildMessage({.body = "b", .attachments = {{}}}), {6, 0, 1, -1, "", {1}, 0, 0}},
+        {"attachment first", attachmentFirst.bytes(), {0, 1, 0, 0, "first.txt", {1}, 0, 0}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        OpenedStream s(c.stream);
+        expectListed(s, 0, c.expected);
+    }
+    OpenedStream unnamable(buildMessage({.body = "b", .attachments = {{}}}));
+    EXPECT_EQ(list(unnamable, 1).name, "zd1.tmp");
 }
 
 }  // namespace

@@ -4,25 +4,17 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
 #include "host/posix_host.h"
+#include "tests/support/tnef_writer.h"
 
+namespace tneftest {
 namespace {
 
-using Bytes = std::vector<uint8_t>;
-
-Bytes utf16(const std::u16string& text) {
-    Bytes out;
-    for (char16_t unit : text) {
-        out.push_back(static_cast<uint8_t>(unit & 0xFF));
-        out.push_back(static_cast<uint8_t>(unit >> 8));
-    }
-    return out;
-}
-
 constexpr CharsetId kBefore = 6;  // what currentCharset holds around each call
+
+// What one conversion gave: `count` bytes, the two bytes behind them (for
+// tnefCharsetToUnicode) and the size of the buffer.
+struct Converted { bool present = false; int32_t count = -1; Bytes bytes, terminator; size_t allocated = 0; };
 
 class TextConversions : public ::testing::Test {
 protected:
@@ -30,76 +22,60 @@ protected:
         container_.host = host_.context();
         host_.context()->currentCharset = kBefore;
     }
+    void TearDown() override { EXPECT_EQ("", host_.memory().leakReport()); }
 
-    // Runs one conversion and takes its result apart; the buffer is freed.
-    struct Result {
-        bool present = false;
-        int32_t count = -1;
-        Bytes bytes;       // `count` bytes
-        Bytes terminator;  // the two bytes behind them, for tnefCharsetToUnicode
-        size_t allocated = 0;
-    };
-
-    // Converts to UTF-16 (with the two zero bytes behind) or to 8-bit text,
-    // and frees the buffer.
-    Result convert(bool toUnicode, const Bytes& text, CharsetId id) {
-        Result result;
+    // Converts to UTF-16 or to 8-bit text, takes the result apart and frees it.
+    Converted convert(bool toUnicode, const Bytes& text, CharsetId id) {
+        Converted result;
         auto size = static_cast<int32_t>(text.size());
-        uint8_t* buffer =
-            toUnicode ? tnefCharsetToUnicode(&container_, text.data(), size, &result.count, id)
-                      : tnefUnicodeToCharset(&container_, text.data(), size, &result.count, id);
+        uint8_t* buffer = toUnicode ? tnefCharsetToUnicode(&container_, text.data(), size, &result.count, id)
+                                    : tnefUnicodeToCharset(&container_, text.data(), size, &result.count, id);
         EXPECT_EQ(kBefore, host_.context()->currentCharset);
         if (buffer == nullptr) return result;
         result.present = true;
         result.allocated = host_.memory().liveBytes();
         result.bytes.assign(buffer, buffer + result.count);
-        result.terminator.assign(buffer + result.count,
-                                 buffer + result.count + (toUnicode ? 2 : 0));
+        result.terminator.assign(buffer + result.count, buffer + result.count + (toUnicode ? 2 : 0));
         container_.host->allocator.free(&container_.host->allocator, buffer);
         return result;
     }
-
-    void TearDown() override { EXPECT_EQ("", host_.memory().leakReport()); }
 
     tnefhost::PosixHost host_;
     TnefContainer container_{};
 };
 
 TEST_F(TextConversions, ConvertsWithExactBuffers) {
-    struct Case {
-        CharsetId id;
-        Bytes eightBit;
-        std::u16string text;
-    };
+    struct Case { CharsetId id; Bytes eightBit; std::string text; };
     const Case cases[] = {
-        {7, {'c', 'a', 'f', 0xE9}, u"café"},
-        {1, {0x93, 0xFA, 0x96, 0x7B}, u"日本"},
-        {53, {0xE2, 0x82, 0xAC, 0}, std::u16string(u"€") + u'\0'},  // a terminator stays
-        {0, {0xE9}, u"é"},  // the host's default, windows-1252
+        {7, {'c', 'a', 'f', 0xE9}, "caf\xC3\xA9"},
+        {1, {0x93, 0xFA, 0x96, 0x7B}, "\xE6\x97\xA5\xE6\x9C\xAC"},
+        {53, {0xE2, 0x82, 0xAC, 0}, std::string("\xE2\x82\xAC\0", 4)},  // a terminator stays
+        {0, {0xE9}, "\xC3\xA9"},  // the host's default, windows-1252
     };
     for (const Case& test : cases) {
-        Result unicode = convert(true, test.eightBit, test.id);
-        ASSERT_TRUE(unicode.present) << test.id;
-        EXPECT_EQ(utf16(test.text), unicode.bytes) << test.id;
-        EXPECT_EQ((Bytes{0, 0}), unicode.terminator) << test.id;
-        EXPECT_EQ(unicode.bytes.size() + 2, unicode.allocated) << test.id;
+        SCOPED_TRACE(test.id);
+        Converted unicode = convert(true, test.eightBit, test.id);
+        ASSERT_TRUE(unicode.present);
+        EXPECT_EQ(utf16(test.text), unicode.bytes);
+        EXPECT_EQ((Bytes{0, 0}), unicode.terminator);
+        EXPECT_EQ(unicode.bytes.size() + 2, unicode.allocated);
 
-        Result eightBit = convert(false, utf16(test.text), test.id);
-        ASSERT_TRUE(eightBit.present) << test.id;
-        EXPECT_EQ(test.eightBit, eightBit.bytes) << test.id;
-        EXPECT_EQ(eightBit.bytes.size(), eightBit.allocated) << test.id;
+        Converted eightBit = convert(false, utf16(test.text), test.id);
+        ASSERT_TRUE(eightBit.present);
+        EXPECT_EQ(test.eightBit, eightBit.bytes);
+        EXPECT_EQ(eightBit.bytes.size(), eightBit.allocated);
     }
 }
 
 TEST_F(TextConversions, NoResult) {
-    Bytes text = utf16(u"abc");
+    Bytes text = utf16("abc");
     for (bool unicode : {true, false}) {
         EXPECT_FALSE(convert(unicode, {}, 7).present);   // nothing to convert
-        Result unmeasured = convert(unicode, text, 50);  // the host measures 0
+        Converted unmeasured = convert(unicode, text, 50);  // the host measures 0
         EXPECT_FALSE(unmeasured.present);
         EXPECT_EQ(0, unmeasured.count);
         host_.memory().refuseRequest(1);
-        Result refused = convert(unicode, text, 7);
+        Converted refused = convert(unicode, text, 7);
         EXPECT_FALSE(refused.present);
         EXPECT_EQ(0, refused.count);
         host_.memory().clearFaults();
@@ -114,8 +90,9 @@ TEST_F(TextConversions, NoResult) {
 }
 
 TEST_F(TextConversions, PassesTheReplacementBytes) {
-    EXPECT_EQ(utf16(u"a b"), convert(true, {'a', 0xFF, 'b'}, kCharsetUtf8).bytes);
-    EXPECT_EQ((Bytes{'a', '?', 'b'}), convert(false, utf16(u"a中b"), 7).bytes);
+    EXPECT_EQ(utf16("a b"), convert(true, {'a', 0xFF, 'b'}, kCharsetUtf8).bytes);
+    EXPECT_EQ((Bytes{'a', '?', 'b'}), convert(false, utf16("a\xE4\xB8\xAD" "b"), 7).bytes);
 }
 
 }  // namespace
+}  // namespace tneftest

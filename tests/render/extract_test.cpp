@@ -1,9 +1,11 @@
 // The extraction dispatcher: index translation, per-extract settings, the
-// output's checks and closing steps, and the byte-for-byte road.
+// output's checks and closing steps, the byte-for-byte road, and the
+// message's stored HTML and RTF bodies byte for byte.
 #include <gtest/gtest.h>
 
 #include "reader/operations.h"
-#include "tests/support/cfb_writer.h"
+#include "stream/property_access.h"
+#include "tests/support/cfb_writer.h"  // patternBytes
 #include "tests/support/lzfu_compressor.h"
 #include "tests/support/reader_fixture.h"
 
@@ -95,49 +97,86 @@ TEST(Extract, FailedReadsEndTheCopyEarly) {
     }
 }
 
-}  // namespace
-}  // namespace tneftest
+const std::string kHtmlHeader =
+    "<html>\r\n<head><meta http-equiv=\"content-type\" content=\"text/html\" /></head>\r\n"
+    "<body>\r\n<p><font face=\"Arial Unicode MS\" size=2>\r\n</font></p>\r\n</body>\r\n</html>\r\n";
+const std::string kRtfHeader =
+    "{\\rtf1\\ansi\\ansicpg1252\\deff0 {\\fonttbl{\\f0\\fcharset0 Arial Unicode MS;}}\\f0\\fs20\\par \\par ";
+const std::string kTextHeader = "Importance: Normal\r\n\r\n\r\n\r\n";  // of a message without fields
 
-namespace tneftest {
-namespace {
-
-std::string renderedStart(OpenedStream& s, uint32_t flags) {
-    Extraction e = extractSubfile(s, 0, flags);
-    EXPECT_EQ(e.status, 0);
-    return std::string(e.bytes.begin(), e.bytes.begin() + std::min<size_t>(e.bytes.size(), 12));
+Prop rtf(const std::string& text) {
+    return Prop::binary(kTagRtfCompressed, compressRtf(bytesOf(text)));
 }
 
-TEST(Extract, BodyFormOfTheMessage) {
-    const std::string rtfHead = "{\\rtf1\\ansi\\";
-    const std::string htmlHead = "<html>\r\n<hea";
-    Prop html = Prop::string8(kTagBodyHtml8, "<p>x</p>", false);
-    Prop rtf = Prop::binary(kTagRtfCompressed, compressRtf(bytesOf("{\\rtf1 body}")));
-    Prop subject = Prop::string8(kTagSubject8, "s");
-    struct Case {
-        const char* what;
-        MessageLayout plan;
-        std::string withoutFlag;
-        std::string withFlag;
-    };
+// The body form chosen for the message (flag 4 prefers a stored body to the
+// text), the seam behind the stored RTF body's header, the choice of the HTML
+// property, and the charset: a wanted one changes nothing in a stored body.
+TEST(Extract, MessageBodies) {
+    const std::string big(9000, 'h');  // three blocks
+    const Prop html8 = Prop::string8(kTagBodyHtml8, "<p>str</p>");
+    const std::string html8Body("<p>str</p>\0", 11);  // the 8-bit string, with its zero byte
+    struct Case { const char* what; MessageLayout plan; uint32_t flags; CharsetId wanted; std::string expected; };
     const Case cases[] = {
-        {"text and HTML", {.body = "b", .props = {subject, html}}, "Subject: s\r\n", htmlHead},
-        {"RTF only", {.props = {subject, rtf}}, rtfHead, rtfHead},
-        {"HTML and RTF", {.props = {subject, rtf, html}}, htmlHead, htmlHead},
-        {"no body at all", {.props = {subject}}, "Subject: s\r\n", "Subject: s\r\n"},
-        {"text only", {.body = "b", .props = {subject}}, "Subject: s\r\n", "Subject: s\r\n"},
+        {"text and HTML", {.body = "b", .props = {html8}}, 0, 0, kTextHeader + "b"},
+        {"text and HTML, stored preferred", {.body = "b", .props = {html8}}, 4, 51, kHtmlHeader + html8Body},
+        {"text only, stored preferred", {.body = "b"}, 4, 0, kTextHeader + "b"},
+        {"no body", {}, 4, 0, kTextHeader},
+        {"HTML and RTF", {.props = {rtf("{\\rtf1 x}"), html8}}, 0, 51, kHtmlHeader + html8Body},
+        {"both HTML properties", {.props = {Prop::binary(kTagHtml, bytesOf("<p>bin</p>")), html8}}, 0, 51,
+         kHtmlHeader + html8Body},
+        {"HTML of three blocks", {.props = {Prop::binary(kTagHtml, bytesOf(big))}}, 0, 51, kHtmlHeader + big},
+        {"HTML without header", {.props = {Prop::binary(kTagHtml, bytesOf("<p>x</p>"))}}, 2, 51, "<p>x</p>"},
+        {"RTF", {.props = {rtf("{\\rtf1\\ansi hi}")}}, 0, 51, kRtfHeader + "\\rtf1\\ansi hi}"},
+        {"RTF without header", {.props = {rtf("{\\rtf1\\ansi hi}")}}, 2, 51, "{\\rtf1\\ansi hi}"},
+        {"RTF, upper case", {.props = {rtf("{\\RTF1 hi}")}}, 0, 0, kRtfHeader + "\\RTF1 hi}"},
+        {"RTF, version 2", {.props = {rtf("{\\rtf2 hi}")}}, 0, 0, kRtfHeader + "{\\rtf2 hi}"},
+        {"RTF, cut short", {.props = {rtf("{\\rtf")}}, 0, 0, kRtfHeader + "{\\rtf"},
+        {"RTF, not RTF", {.props = {rtf("plain")}}, 0, 0, kRtfHeader + "plain"},
     };
     for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
         OpenedStream s(buildMessage(c.plan));
-        EXPECT_EQ(renderedStart(s, 0), c.withoutFlag) << c.what;
-        EXPECT_EQ(renderedStart(s, 4), c.withFlag) << c.what;
+        Extraction e = extractSubfile(s, 0, c.flags, c.wanted);
+        EXPECT_EQ(e.status, 0);
+        EXPECT_EQ(std::string(e.bytes.begin(), e.bytes.end()), c.expected);
+        EXPECT_EQ(e.resultFlags & 4, 0u);
+        EXPECT_EQ(s.close(), "");
     }
 }
 
+// No RTF body to be had leaves the header alone: the value's buffer
+// refused, the decoder's buffer refused, nothing read.
+TEST(Extract, RtfFailuresLeaveTheHeader) {
+    for (int failure = 1; failure <= 3; ++failure) {
+        OpenedStream s(buildMessage({.props = {rtf("{\\rtf1 x}")}}));
+        if (failure < 3) s.host.memory().refuseRequest(failure);
+        if (failure == 3) s.input.failOperation(tnefhost::IoOp::kRead, 1);
+        Extraction e = extractSubfile(s, 0);
+        EXPECT_EQ(e.status, 0);
+        EXPECT_EQ(std::string(e.bytes.begin(), e.bytes.end()), kRtfHeader) << failure;
+        EXPECT_EQ(s.close(), "");
+    }
+}
+
+// A stored size that runs past the end of the input copies what is there:
+// the value and whatever follows it in the stream.
+TEST(Extract, HtmlShorterThanItsSize) {
+    Bytes stream = buildMessage({.props = {Prop::binary(kTagHtml, bytesOf("<p>end</p>"))}});
+    OpenedStream s(stream);
+    TnefPropValue& value = objectAt(s.container, 0)->props[0].values[0];
+    ASSERT_EQ(objectAt(s.container, 0)->props[0].tag, kTagHtml);
+    value.located.length = 1 << 20;
+    Extraction e = extractSubfile(s, 0);
+    EXPECT_EQ(std::string(e.bytes.begin(), e.bytes.end()),
+              kHtmlHeader + std::string(stream.begin() + value.located.filePos, stream.end()));
+}
+
+// A charset wanted for the text is reported when the text was converted.
 TEST(Extract, ConvertedCharsetIsReported) {
-    OpenedStream s(buildMessage({.oemCodePage = 1252, .body = "caf\xE9", .props = {Prop::string8(kTagSubject8, "s")}}));
+    OpenedStream s(buildMessage({.oemCodePage = 1252, .body = "caf\xE9"}));
     Extraction converted = extractSubfile(s, 0, 0, 53);
     EXPECT_EQ(converted.resultFlags & 4, 4u);
-    EXPECT_NE(std::string(converted.bytes.begin(), converted.bytes.end()).find("caf\xC3\xA9"), std::string::npos);
+    EXPECT_EQ(std::string(converted.bytes.begin(), converted.bytes.end()), kTextHeader + "caf\xC3\xA9");
     EXPECT_EQ(extractSubfile(s, 0, 0, 0).resultFlags & 4, 0u);
 }
 

@@ -3,32 +3,20 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <cstring>
+#include <ctime>
 #include <functional>
 
-#include "reader/strings.h"
 #include "render/plain_message.h"
-#include "stream/property_access.h"
-#include "tests/support/reader_fixture.h"
+#include "tests/render/render_support.h"
 
 namespace tneftest {
 namespace {
 
-constexpr uint64_t kSent2006 = 127806446450000000ULL;  // Mon Jan 02 03:04:05 2006 UTC
+using namespace render;
+
 const std::string kSentLine = "Sent: Mon Jan 02 03:04:05 2006\r\n";
 
-// UTF-16LE of a UTF-8 text, as a byte string.
-std::string wide(const std::string& text) {
-    Bytes bytes = utf16(text);
-    return std::string(bytes.begin(), bytes.end());
-}
-
-struct Rendered {
-    int32_t status;
-    std::string bytes;
-    int32_t converted;
-    CharsetId outputCharset;
-};
+struct Rendered { int32_t status; std::string bytes; int32_t converted; CharsetId outputCharset; };
 
 // Renders with the per-extract settings the dispatcher would make, and
 // checks that the host's current charset is left as it was.
@@ -44,18 +32,7 @@ Rendered renderPlain(OpenedStream& s, CharsetId wanted, bool omitHeader = false)
     return {status, output.text(), c->charsetConverted, c->outputCharset};
 }
 
-// Puts a text element into a summary slot in place of what open made.
-void setSlot(OpenedStream& s, int32_t index, int32_t type, const Bytes& text, const char* name) {
-    HostAllocator* a = &s.host.context()->allocator;
-    tnefFreeElement(a, s.container->summary[index]);
-    auto* e = static_cast<MetaElement*>(a->alloc(a, sizeof(MetaElement)));
-    *e = MetaElement{1, 0, type, tnefCopyText(a, name), 0, static_cast<int32_t>(text.size())};
-    void* value = a->alloc(a, text.size());
-    std::memcpy(value, text.data(), text.size());
-    e->value = reinterpret_cast<uintptr_t>(value);
-    s.container->summary[index] = e;
-}
-
+// `again`: what a second rendering gives, when it differs.
 struct WholeCase {
     const char* name;
     MessageLayout plan;
@@ -64,7 +41,7 @@ struct WholeCase {
     bool omitHeader;
     std::string expected;
     int32_t converted;
-    std::optional<std::string> again = std::nullopt;  // a second rendering, when it differs
+    std::optional<std::string> again = std::nullopt;
 };
 
 TEST(PlainMessage, WholeOutputs) {
@@ -89,7 +66,7 @@ TEST(PlainMessage, WholeOutputs) {
     MessageLayout plain{std::nullopt, std::nullopt, "Body", {Prop::time(kTagClientSubmitTime, kSent2006)}};
     MessageLayout cp1252{1252, std::nullopt, "Caf\xE9",
                        {Prop::string8(kTagSubject8, "Caf\xE9"), Prop::int32(kTagImportance, 3)}};
-    auto to8 = [](OpenedStream& s) { setSlot(s, 2, kElementText8, bytesOf(std::string("Bob\0", 4)), "To"); };
+    auto to8 = [](OpenedStream& s) { setSlot(s, 2, kElementText8, std::string("Bob\0", 4), "To"); };
     auto charset = [](CharsetId id) {
         return [id](OpenedStream& s) { objectAt(s.container, 0)->charset = id; };
     };
@@ -113,7 +90,7 @@ TEST(PlainMessage, WholeOutputs) {
              "; notes.txt; zd3.tmp" + wide("\r\n\r\nHello\r\nCaf\xC3\xA9"),
          1},
         {"UTF-8 wanted from 1252",  typical,
-         [](OpenedStream& s) { setSlot(s, 2, kElementText16, utf16("B\xC3\xB6" "b"), "To"); }, 53, false,
+         [](OpenedStream& s) { setSlot(s, 2, kElementText16, wide("B\xC3\xB6" "b"), "To"); }, 53, false,
          "From: \"Alice\" <alice@example.com>\r\n" + kSentLine +
              "To: B\xC3\xB6" "b\r\nSubject: Caf\xC3\xA9 plan\r\nImportance: High\r\n"
              "Attachments: report.pdf; notes.txt; zd3.tmp\r\n\r\nHello\r\nCaf\xC3\xA9",
@@ -128,19 +105,19 @@ TEST(PlainMessage, WholeOutputs) {
              "Subject: Caf\xE9\r\nImportance: Normal\r\nAttachments: r\xE9sum\xE9.doc\r\n\r\nHello",
          1},
         {"16-bit field of zero units only", plain,
-         [](OpenedStream& s) { setSlot(s, 0, kElementText16, Bytes(4, 0), "From"); }, 0, false,
+         [](OpenedStream& s) { setSlot(s, 0, kElementText16, std::string(4, '\0'), "From"); }, 0, false,
          wide(kSentLine + "Importance: Normal\r\n\r\n") + "\r\n\r\nBody", 1,
          // Stripped to size 0 it is no field any more and marks nothing.
          kSentLine + "Importance: Normal\r\n\r\n\r\n\r\nBody"},
         {"8-bit From, 16-bit To", plain,
          [](OpenedStream& s) {
-             setSlot(s, 0, kElementText8, bytesOf("<a@x>"), "From");
-             setSlot(s, 2, kElementText16, utf16(std::string("Bob\0", 4)), "To");
+             setSlot(s, 0, kElementText8, "<a@x>", "From");
+             setSlot(s, 2, kElementText16, wide(std::string("Bob\0", 4)), "To");
              objectAt(s.container, 0)->charset = 51;
          },
          0, false, "From: <a@x>\r\n" + kSentLine + wide("To: Bob\r\nImportance: Normal\r\n\r\n") + "\r\n\r\nBody", 1},
         {"element of the wrong name", plain,
-         [](OpenedStream& s) { setSlot(s, 3, kElementText8, bytesOf("x"), "To"); }, 0, false,
+         [](OpenedStream& s) { setSlot(s, 3, kElementText8, "x", "To"); }, 0, false,
          kSentLine + "Importance: Normal\r\n\r\n\r\n\r\nBody", 0},
         {"wanted equals message", cp1252, nullptr, 7, false,
          "Subject: Caf\xE9\r\nImportance: Normal\r\n\r\n\r\n\r\nCaf\xE9", 0},
@@ -170,38 +147,27 @@ TEST(PlainMessage, WholeOutputs) {
     }
 }
 
-// Sets TZ while it lives, then puts the old value back.
-struct TimeZone {
-    std::optional<std::string> old;
-    explicit TimeZone(const char* zone) {
-        if (const char* value = std::getenv("TZ")) old = value;
-        setenv("TZ", zone, 1);
-        tzset();
-    }
-    ~TimeZone() {
-        old ? setenv("TZ", old->c_str(), 1) : unsetenv("TZ");
-        tzset();
-    }
-};
-
 TEST(PlainMessage, DateTexts) {
     struct Case { const char* zone; uint64_t ticks; const char* text; };
     const Case cases[] = {
-        {"UTC0", 127806446450000000ULL, "Mon Jan 02 03:04:05 2006"},
-        {"JST-9", 127806446450000000ULL, "Mon Jan 02 12:04:05 2006"},
-        {"HST10", 127806446450000000ULL, "Sun Jan 01 17:04:05 2006"},
+        {"UTC0", kSent2006, "Mon Jan 02 03:04:05 2006"},
+        {"JST-9", kSent2006, "Mon Jan 02 12:04:05 2006"},
+        {"HST10", kSent2006, "Sun Jan 01 17:04:05 2006"},
         {"UTC0", 100000000000000000ULL, "Thu Jan 01 00:00:00 1970"},  // 1917: the epoch
         {"HST10", 0xFFFFFFFFFFFFFFFFULL, "Wed Dec 31 14:00:00 1969"},  // negative count
         {"UTC0", 159394408950000000ULL, "Sun Feb 07 06:28:15 2106"},  // last 32-bit second
         {"UTC0", 159397001010000000ULL, "Sun Jan 04 00:00:05 1970"},  // wrapped past 2106
     };
     for (const Case& c : cases) {
-        TimeZone zone(c.zone);
+        setenv("TZ", c.zone, 1);
+        tzset();
         Bytes ticks;
         putLe64(ticks, c.ticks);
         char text[kTnefDateTextSize];
         EXPECT_STREQ(tnefFormatFileTime(ticks.data(), text), c.text) << c.zone << " " << c.ticks;
     }
+    setenv("TZ", "UTC", 1);  // as the suite runs
+    tzset();
 }
 
 MessageLayout bodyOnly() {
@@ -244,7 +210,7 @@ bool madeOf(const std::string& text, const std::vector<std::vector<std::string>>
 TEST(PlainMessage, RefusedAllocations) {
     MessageLayout plan = bodyOnly();
     plan.props = {Prop::string8(kTagSentRepresentingName8, "Al"),
-                  Prop::time(kTagClientSubmitTime, 127806446450000000ULL),
+                  Prop::time(kTagClientSubmitTime, kSent2006),
                   Prop::string8(kTagSubject8, "S")};
     plan.attachments = {{std::nullopt, Bytes{1}, {Prop::string8(kTagAttachLongFilename8, "a.pdf")}}};
     const std::vector<std::vector<std::string>> pieces = {

@@ -20,8 +20,6 @@ std::string describe(const SessionReport& report) {
     return text;
 }
 
-enum class Fault { kHostAllocation, kResultAllocation, kIoCall };
-
 TEST(ModuleSweep, FaultFreeSessionsAreClean) {
     for (const RichStream& stream : richStreams()) {
         SessionReport report = runSession(stream.bytes);
@@ -57,27 +55,24 @@ TEST(ModuleSweep, CorpusSessionsAreClean) {
 }
 
 TEST(ModuleSweep, EveryFaultInTurn) {
+    // Each kind of fault: where the session takes it, and where it counts
+    // the calls that could take it.
+    const struct { const char* name; uint64_t SessionFaults::*fault; uint64_t SessionReport::*calls; } kinds[] = {
+        {"module allocation", &SessionFaults::refuseHostRequest, &SessionReport::hostRequests},
+        {"result allocation", &SessionFaults::refuseResultRequest, &SessionReport::resultRequests},
+        {"I/O call", &SessionFaults::failIoCall, &SessionReport::ioCalls},
+    };
     for (const RichStream& stream : richStreams()) {
-        SessionReport whole = runSession(stream.bytes);
-        for (Fault fault : {Fault::kHostAllocation, Fault::kResultAllocation, Fault::kIoCall}) {
-            uint64_t total = fault == Fault::kHostAllocation     ? whole.hostRequests
-                             : fault == Fault::kResultAllocation ? whole.resultRequests
-                                                                 : whole.ioCalls;
+        for (const auto& kind : kinds) {
             // A fault early on can make the rest of the session longer (a
             // different path), so the sweep runs until a run meets no fault.
             for (uint64_t n = 1;; ++n) {
                 SessionFaults faults;
-                (fault == Fault::kHostAllocation     ? faults.refuseHostRequest
-                 : fault == Fault::kResultAllocation ? faults.refuseResultRequest
-                                                     : faults.failIoCall) = n;
+                faults.*kind.fault = n;
                 SessionReport report = runSession(stream.bytes, faults);
                 ASSERT_TRUE(report.problems.empty())
-                    << stream.name << ", fault kind " << static_cast<int>(fault) << " at " << n << " of "
-                    << total << "\n" << describe(report);
-                uint64_t reached = fault == Fault::kHostAllocation     ? report.hostRequests
-                                   : fault == Fault::kResultAllocation ? report.resultRequests
-                                                                       : report.ioCalls;
-                if (reached < n) break;
+                    << stream.name << ", " << kind.name << " " << n << " fails\n" << describe(report);
+                if (report.*kind.calls < n) break;
             }
         }
     }
