@@ -110,7 +110,8 @@ TEST_F(DescriptorParsers, CompObjEveryTruncation) {
     }
 }
 
-TEST_F(DescriptorParsers, Ole10NativeBitmapRunsToTheEndOfWhatWasRead) {
+TEST_F(DescriptorParsers, Ole10NativeLocatesThePayload) {
+    // A bitmap runs to the end of what was read and leaves the name alone.
     char* earlier = name = old("earlier");
     EXPECT_EQ(native(ole10NativeBitmap(2), 6), 0);
     EXPECT_EQ(start, 4);
@@ -118,17 +119,14 @@ TEST_F(DescriptorParsers, Ole10NativeBitmapRunsToTheEndOfWhatWasRead) {
     EXPECT_EQ(native(ole10NativeBitmap(100000 - 4), 4086), 0);
     EXPECT_EQ(size, 4082);
     EXPECT_EQ(name, earlier);
-    EXPECT_EQ(log(), Lines{});
-}
-
-TEST_F(DescriptorParsers, Ole10NativePackageNamesAndLocatesThePayload) {
-    name = old("earlier");
+    // A package names the payload, in place of the earlier name.
     OlePackageBytes package = ole10NativePackage({.label = "a:b?c&d\xE9/e.txt"});
     EXPECT_EQ(native(package.bytes, package.bytes.size()), 0);
     EXPECT_EQ(start, package.payloadStart);
     EXPECT_EQ(size, 13);
     EXPECT_STREQ(name, "a;b#c$d_\\e.txt");
-    EXPECT_EQ(results.liveBlocks(), 1u);  // the earlier name was freed
+    EXPECT_EQ(results.liveBlocks(), 1u);
+    EXPECT_EQ(log(), Lines{});
 
     results.refuseRequest(1);
     EXPECT_EQ(native(package.bytes, package.bytes.size()), 2);
@@ -208,37 +206,39 @@ TEST_F(DescriptorParsers, OleLinkFailures) {
     const std::string end = kOle + "Cannot find end of string in buffer.";
     const std::string begin = kOle + "Cannot find start of string in buffer.";
     const std::string noMarker = kOle + "Not enough data in buffer (while finding 0xDEAD).";
-    const std::tuple<Bytes, int32_t, std::string> cases[] = {
-        {oleLinkStream({}).bytes, 2, noMarker},
-        {{0, 0xAD, 0xDE, 0}, 1, end},
-        {{0, 0, 0, 0xAD, 0xDE}, 0, end},
-        {{0, 'a', 1, 0xFF, 0xFF, 0xAD, 0xDE}, 1, end},
-        {{1, 'a', 0, 0xFF, 0xFF, 0xAD, 0xDE}, 1, begin},    // the stop byte is at offset 0
-        {{'b', 'a', 0, 0xFF, 0xFF, 0xAD, 0xDE}, 1, begin},  // no stop byte
+    const std::string linkPath = "C:\\shared\\plan.xls";
+    const Bytes linked = oleLinkStream({}).bytes;
+    struct Case {
+        Bytes bytes;
+        int32_t hits, status;
+        Lines log;
+        uint64_t refused = 0;  // the refused copy: 1 of the name, 2 of the path
+        std::string stored = "(null)";
     };
-    for (const auto& [bytes, hits, line] : cases) {
-        EXPECT_EQ(link(bytes, bytes.size(), hits), 6);
-        EXPECT_EQ(log(), Lines{line});
-        EXPECT_EQ(name, nullptr);
+    const Case cases[] = {
+        {linked, 2, 6, {noMarker}},
+        {{0, 0xAD, 0xDE, 0}, 1, 6, {end}},
+        {{0, 0, 0, 0xAD, 0xDE}, 0, 6, {end}},
+        {{0, 'a', 1, 0xFF, 0xFF, 0xAD, 0xDE}, 1, 6, {end}},
+        {{1, 'a', 0, 0xFF, 0xFF, 0xAD, 0xDE}, 1, 6, {begin}},    // the stop byte is at offset 0
+        {{'b', 'a', 0, 0xFF, 0xFF, 0xAD, 0xDE}, 1, 6, {begin}},  // no stop byte
+        {linked, 1, 2, {kNoMemory, linkPath}, 1},
+        {linked, 1, 2, {kNoMemory, linkPath}, 2, linkPath},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.log.back());
+        path = old("earlier");
+        results.refuseRequest(c.refused);
+        EXPECT_EQ(link(c.bytes, c.bytes.size(), c.hits), c.status);
+        EXPECT_EQ(log(), c.log);
+        EXPECT_EQ(text(name), c.stored);
+        EXPECT_STREQ(path, "earlier");
         reset();
     }
     const OleLinkBytes stream = oleLinkStream({});
     for (int32_t count = 0; count <= static_cast<int32_t>(stream.bytes.size()); ++count) {
         EXPECT_EQ(link(stream.bytes, count), count > stream.markerEnd ? 0 : 6) << count;
         EXPECT_EQ(log(), count > stream.markerEnd ? Lines{} : Lines{noMarker});
-        reset();
-    }
-}
-
-TEST_F(DescriptorParsers, OleLinkRefusedCopies) {
-    const OleLinkBytes stream = oleLinkStream({});
-    for (uint64_t refused : {1, 2}) {
-        path = old("earlier");
-        results.refuseRequest(refused);
-        EXPECT_EQ(link(stream.bytes, stream.bytes.size()), 2);
-        EXPECT_EQ(text(name), refused == 2 ? "C:\\shared\\plan.xls" : "(null)");
-        EXPECT_STREQ(path, "earlier");
-        EXPECT_EQ(log(), (Lines{kNoMemory, "C:\\shared\\plan.xls"}));
         reset();
     }
 }

@@ -37,12 +37,24 @@ std::vector<std::string> extractionLog(const OpenedStream& s) {
     return lines;
 }
 
+CfbEntryLayout compObj(const std::string& userType) {
+    return {"\x01" "CompObj", compObjStream(userType)};
+}
+CfbEntryLayout native(const Bytes& bytes) { return {"\x01" "Ole10Native", bytes}; }
+
+// A package whose payload size field says `declared`.
+Bytes packageDeclaring(const OlePackageBytes& packed, uint32_t declared) {
+    Bytes bytes = packed.bytes;
+    patchLe32(bytes, static_cast<size_t>(packed.payloadStart) - 4, declared);
+    return bytes;
+}
+
 TEST(OleExtraction, PayloadStreams) {
     Bytes main = patternBytes(5000);
     OlePackage package;
     package.payload = patternBytes(300, 7);
     OlePackageBytes packed = ole10NativePackage(package);
-    OlePackage oversized = package;
+    const size_t at = static_cast<size_t>(packed.payloadStart);
     struct Case {
         const char* what;
         std::vector<CfbEntryLayout> entries;
@@ -50,58 +62,38 @@ TEST(OleExtraction, PayloadStreams) {
         std::string name;
     };
     const Case cases[] = {
-        {"PBrush: from byte 4, descriptor not parsed",
-         {{"\x01" "CompObj", compObjStream("PBrush")}, {"\x01" "Ole10Native", main}},
-         range(main, 4, 5000), ""},
-        {"Acrobat: main stream from 0",
-         {{"\x01" "CompObj", compObjStream("Acrobat Document")}, {"\x01" "Ole10Native", packed.bytes}},
-         packed.bytes, ""},
-        {"package: payload and name",
-         {{"\x01" "CompObj", compObjStream("Package")}, {"\x01" "Ole10Native", packed.bytes}},
-         package.payload, "report.txt"},
+        {"PBrush: from byte 4, descriptor not parsed", {compObj("PBrush"), native(main)}, range(main, 4, 5000), ""},
+        {"Acrobat: main stream from 0", {compObj("Acrobat Document"), native(packed.bytes)}, packed.bytes, ""},
+        {"package: payload and name", {compObj("Package"), native(packed.bytes)}, package.payload, "report.txt"},
+        {"package declaring 0", {compObj("Package"), native(packageDeclaring(packed, 0))}, {}, "report.txt"},
+        {"package declaring 10", {compObj("Package"), native(packageDeclaring(packed, 10))},
+         range(package.payload, 0, 10), "report.txt"},
+        {"package declaring more than it holds", {compObj("Package"), native(packageDeclaring(packed, 5000))},
+         range(packageDeclaring(packed, 5000), at, 5000), "report.txt"},
         {"AttachDesc without CompObj starts at 0",
-         {{"AttachDesc", attachDescStream("desc.doc")}, {"\x01" "Ole10Native", packed.bytes}},
-         packed.bytes, "desc.doc"},
+         {{"AttachDesc", attachDescStream("desc.doc")}, native(packed.bytes)}, packed.bytes, "desc.doc"},
         {"CompObj and AttachDesc: AttachDesc unread",
-         {{"\x01" "CompObj", compObjStream("Acrobat Document")},
-          {"AttachDesc", attachDescStream("desc.doc")}, {"Contents", main}},
-         main, ""},
+         {compObj("Acrobat Document"), {"AttachDesc", attachDescStream("desc.doc")}, {"Contents", main}}, main, ""},
         {"Primary from 176 whatever was said",
-         {{"\x01" "CompObj", compObjStream("Acrobat Document")}, {"\x06" "Primary", main}},
-         range(main, 176, 5000), ""},
+         {compObj("Acrobat Document"), {"\x06" "Primary", main}}, range(main, 176, 5000), ""},
         {"no descriptor: Workbook from 0", {{"Workbook", main}}, main, ""},
         {"stream of 4086 bytes", {{"CONTENTS", patternBytes(4086)}}, patternBytes(4086), ""},
         {"stream of 40000 bytes", {{"Package", patternBytes(40000, 3)}}, patternBytes(40000, 3), ""},
     };
     for (const Case& c : cases) {
         for (int version : {3, 4}) {
+            SCOPED_TRACE(std::string(c.what) + " v" + std::to_string(version));
             OpenedStream s(oleMessage(buildCfb(c.entries, CfbOptions(version))));
             Extraction e = extractSubfile(s, 1);
-            EXPECT_EQ(e.status, 0) << c.what;
-            EXPECT_EQ(e.bytes, c.expected) << c.what << " v" << version;
-            EXPECT_EQ(e.subfileName, c.name) << c.what;
-            EXPECT_EQ(e.size, static_cast<int64_t>(c.expected.size())) << c.what;
-            EXPECT_FALSE(e.leftOpen) << c.what;
-            EXPECT_EQ(Bytes(e.detectedFormat, e.detectedFormat + 16), Bytes(16, 0))
-                << c.what << ": cleared after unpacking";
-            EXPECT_TRUE(extractionLog(s).empty()) << c.what;
-            EXPECT_EQ(s.results.liveBlocks(), 0u) << c.what;
+            EXPECT_EQ(e.status, 0);
+            EXPECT_EQ(e.bytes, c.expected);
+            EXPECT_EQ(e.subfileName, c.name);
+            EXPECT_EQ(e.size, static_cast<int64_t>(c.expected.size()));
+            EXPECT_FALSE(e.leftOpen);
+            EXPECT_EQ(Bytes(e.detectedFormat, e.detectedFormat + 16), Bytes(16, 0)) << "cleared after unpacking";
+            EXPECT_TRUE(extractionLog(s).empty());
+            EXPECT_EQ(s.results.liveBlocks(), 0u);
         }
-    }
-}
-
-TEST(OleExtraction, PackageSizes) {
-    OlePackage package;
-    package.payload = patternBytes(100);
-    OlePackageBytes packed = ole10NativePackage(package);
-    for (uint32_t declared : {0u, 10u, 100u, 5000u}) {
-        Bytes bytes = packed.bytes;
-        patchLe32(bytes, static_cast<size_t>(packed.payloadStart) - 4, declared);
-        OpenedStream s(oleMessage(buildCfb(
-            {{"\x01" "CompObj", compObjStream("Package")}, {"\x01" "Ole10Native", bytes}})));
-        Extraction e = extractSubfile(s, 1);
-        EXPECT_EQ(e.status, 0) << declared;
-        EXPECT_EQ(e.bytes, range(bytes, static_cast<size_t>(packed.payloadStart), declared)) << declared;
     }
 }
 
@@ -121,25 +113,42 @@ TEST(OleExtraction, CopyBufferIsAllocatedOnlyForLargeStreams) {
 
 TEST(OleExtraction, Links) {
     OleLink link;
-    OleLinkBytes linked = oleLinkStream(link);
-    {
-        OpenedStream s(oleMessage(buildCfb({{"\x01" "Ole", linked.bytes}})));
-        Extraction e = extractSubfile(s, 1);
-        EXPECT_EQ(e.status, 0);
-        EXPECT_TRUE(e.bytes.empty());
-        EXPECT_EQ(e.subfilePath, link.path);
-        EXPECT_EQ(e.subfileName, link.path);
-        EXPECT_EQ(e.resultFlags & 0xA, 8u);
-    }
-    // The same storage whose Ole stream holds no marker goes out whole.
-    Bytes noMarker = range(linked.bytes, 0, static_cast<size_t>(linked.markerEnd) - 1);
-    Bytes storage = buildCfb({{"\x01" "Ole", noMarker}});
-    OpenedStream s(oleMessage(storage));
+    OpenedStream s(oleMessage(buildCfb({{"\x01" "Ole", oleLinkStream(link).bytes}})));
     Extraction e = extractSubfile(s, 1);
     EXPECT_EQ(e.status, 0);
-    EXPECT_EQ(e.bytes, storage);
-    std::vector<std::string> log = extractionLog(s);
-    EXPECT_EQ(log, std::vector<std::string>{"Failed to find main OLE stream."});
+    EXPECT_TRUE(e.bytes.empty());
+    EXPECT_EQ(e.subfilePath, link.path);
+    EXPECT_EQ(e.subfileName, link.path);
+    EXPECT_EQ(e.resultFlags & 0xA, 8u);
+}
+
+TEST(OleExtraction, WholeObjectFallbacks) {
+    // Not a storage, or a link's Ole stream without marker: the object goes
+    // out whole. A storage no reader accepts gives nothing.
+    OleLinkBytes linked = oleLinkStream(OleLink{});
+    Bytes noMarker = buildCfb({{"\x01" "Ole", range(linked.bytes, 0, static_cast<size_t>(linked.markerEnd) - 1)}});
+    Bytes pdf = bytesOf("%PDF-1.4 not a storage at all");
+    Bytes broken = buildCfb({{"Contents", patternBytes(100)}});
+    broken[30] = 0x7F;  // sector shift
+    struct Case {
+        Bytes object;
+        int32_t status;
+        Bytes expected;
+        std::vector<std::string> log;
+    };
+    const Case cases[] = {
+        {noMarker, 0, noMarker, {"Failed to find main OLE stream."}},
+        {pdf, 0, pdf, {}},
+        {broken, 6, {}, {"Failed to open OLE interface."}},
+    };
+    for (const Case& c : cases) {
+        OpenedStream s(oleMessage(c.object));
+        Extraction e = extractSubfile(s, 1);
+        EXPECT_EQ(e.status, c.status);
+        EXPECT_EQ(e.bytes, c.expected);
+        EXPECT_EQ(extractionLog(s), c.log);
+        if (c.object == pdf) EXPECT_NE(e.detectedFormat[4] | e.detectedFormat[5], 0) << "the detected format stays";
+    }
 }
 
 // The storage library, with closeStream and closeStorage marking the host's
@@ -179,25 +188,6 @@ TEST(OleExtraction, LogLinesComeBeforeTheCloses) {
         EXPECT_EQ(extractSubfile(s, 1).status, 0);
         EXPECT_EQ(s.host.logLines(), c.log);
     }
-}
-
-TEST(OleExtraction, NotAStorageGoesOutWhole) {
-    Bytes pdf = bytesOf("%PDF-1.4 not a storage at all");
-    OpenedStream s(oleMessage(pdf));
-    Extraction e = extractSubfile(s, 1);
-    EXPECT_EQ(e.status, 0);
-    EXPECT_EQ(e.bytes, pdf);
-    EXPECT_NE(e.detectedFormat[4] | e.detectedFormat[5], 0) << "the detected format stays";
-}
-
-TEST(OleExtraction, UnreadableStorage) {
-    Bytes broken = buildCfb({{"Contents", patternBytes(100)}});
-    broken[30] = 0x7F;  // sector shift: no reader accepts it
-    OpenedStream s(oleMessage(broken));
-    Extraction e = extractSubfile(s, 1);
-    EXPECT_EQ(e.status, 6);
-    EXPECT_TRUE(e.bytes.empty());
-    EXPECT_EQ(extractionLog(s), std::vector<std::string>{"Failed to open OLE interface."});
 }
 
 TEST(OleExtraction, LibraryLoading) {

@@ -7,11 +7,7 @@ using namespace tneftest;
 
 namespace {
 
-Bytes message(const std::vector<Prop>& props) {
-    MessageLayout plan;
-    plan.props = props;
-    return buildMessage(plan);
-}
+Bytes message(const std::vector<Prop>& props) { return buildMessage({.props = props}); }
 std::string w16(const std::string& s) {
     Bytes b = utf16(s);
     return std::string(b.begin(), b.end());
@@ -85,12 +81,10 @@ TEST(MessageSummary, SlotsFromProperties) {
 }
 
 TEST(MessageSummary, EveryRefusedAllocationOfOpen) {
-    MessageLayout plan;
-    plan.props = {Prop::string8(kTagSenderName8, "N"), Prop::string8(kTagSenderEmail8, "n@x"),
-                  Prop::string8(kTagSubject8, "Hi")};
-    plan.recipients = std::vector<std::vector<Prop>>(
-        3, {Prop::string8(kTagDisplayName8, std::string(1000, 'k'))});
-    const Bytes stream = buildMessage(plan);
+    const Bytes stream = buildMessage(
+        {.props = {Prop::string8(kTagSenderName8, "N"), Prop::string8(kTagSenderEmail8, "n@x"),
+                   Prop::string8(kTagSubject8, "Hi")},
+         .recipients = std::vector<std::vector<Prop>>(3, {Prop::string8(kTagDisplayName8, std::string(1000, 'k'))})});
     const uint64_t requests = OpenedStream(stream).host.memory().requests();
     bool arrayRefused = false;
     for (uint64_t n = 1; n <= requests; ++n) {
