@@ -2,7 +2,6 @@
 // mboxes and maildirs, found by content, picked with --part.
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <fstream>
 
 #include "tests/cli/cli_runner.h"

@@ -87,8 +87,8 @@ GRef<GMimeObject> bytesPart(const std::string& type, const Bytes& bytes,
     return GRef<GMimeObject>::adopt(GMIME_OBJECT(part));
 }
 
-GRef<GMimeObject> tnefPart(const Bytes& tnef, const std::string& type) {
-    return bytesPart(type, tnef, GMIME_CONTENT_ENCODING_BASE64, "winmail.dat");
+GRef<GMimeObject> tnefPart(const Bytes& tnef) {
+    return bytesPart("application/ms-tnef", tnef, GMIME_CONTENT_ENCODING_BASE64, "winmail.dat");
 }
 
 GRef<GMimeObject> textPart(const std::string& text) {

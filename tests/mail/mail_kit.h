@@ -20,7 +20,7 @@ GRef<GMimeObject> bytesPart(const std::string& type, const Bytes& bytes,
                             GMimeContentEncoding encoding, const char* name = nullptr);
 GRef<GMimeObject> multipart(const char* subtype, const std::vector<GRef<GMimeObject>>& parts);
 // A TNEF attachment named winmail.dat in base64, and a plain text part.
-GRef<GMimeObject> tnefPart(const Bytes& tnef, const std::string& type = "application/ms-tnef");
+GRef<GMimeObject> tnefPart(const Bytes& tnef);
 GRef<GMimeObject> textPart(const std::string& text);
 // message/rfc822 around a message with `body`.
 GRef<GMimeObject> messagePart(GRef<GMimeObject> body);
