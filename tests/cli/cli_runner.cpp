@@ -27,13 +27,6 @@ std::string readAll(std::FILE* stream) {
     return out;
 }
 
-std::string slurp(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
 }  // namespace
 
 Json ToolRun::json() const {
@@ -59,7 +52,7 @@ ToolRun runProgram(const std::string& program, const std::vector<std::string>& a
     run.out = readAll(pipe);
     int status = ::pclose(pipe);
     run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    run.err = slurp(errPath);
+    run.err = readText(errPath);
     return run;
 }
 
@@ -77,6 +70,13 @@ std::string writeFile(const std::filesystem::path& path, const Bytes& bytes) {
     std::ofstream out(path, std::ios::binary);
     out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
     return path.string();
+}
+
+std::string readText(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::stringstream text;
+    text << in.rdbuf();
+    return text.str();
 }
 
 std::string sha256Of(const std::string& path) {
@@ -97,6 +97,20 @@ std::vector<std::string> filesBelow(const std::filesystem::path& root) {
     }
     std::sort(files.begin(), files.end());
     return files;
+}
+
+Keys keysOf(const Json& object) {
+    Keys keys;
+    for (const auto& item : object.items()) keys.push_back(item.key());
+    return keys;
+}
+
+Bytes damagedStream() {
+    return TnefWriter()
+        .version()
+        .body("read before the damage")
+        .record(kLevelMessage, 0x9003, propertyBlock({Prop::string8(kTagSubject8, "x")}), {0x0006, uint16_t{0xBEEF}})
+        .bytes();
 }
 
 }  // namespace tneftest

@@ -43,8 +43,18 @@ private:
 };
 
 std::string writeFile(const std::filesystem::path& path, const Bytes& bytes);
+// The bytes of the file at `path`, as a string.
+std::string readText(const std::string& path);
 std::string sha256Of(const std::string& path);
 // Every file below `root`, as paths relative to it.
 std::vector<std::string> filesBelow(const std::filesystem::path& root);
+
+// The keys of a JSON object, in their order.
+using Keys = std::vector<std::string>;
+Keys keysOf(const Json& object);
+
+// A stream with a body whose next property block has a wrong checksum: the
+// body can be read, then opening the message fails.
+Bytes damagedStream();
 
 }  // namespace tneftest

@@ -93,47 +93,57 @@ TEST_F(CorpusCli, ExtractWritesEverySubfileWithTheExpectedBytes) {
     }
 }
 
-// The bodies the samples store only as RTF come out readable: encapsulated
-// HTML as the original HTML, encapsulated text as text, native RTF as its
-// words; auto is HTML for the one that encapsulates HTML.
-TEST_F(CorpusCli, ShowMakesEveryBodyReadable) {
+// The bodies the samples store only as RTF come out readable in both forms:
+// encapsulated HTML as the original HTML, encapsulated text as text, native
+// RTF as its words (a stored text body goes before the RTF for text); no RTF
+// is left in any of them.
+TEST_F(CorpusCli, EveryBodyIsReadableInBothForms) {
     struct Case {
         const char* file;
-        const char* autoForm;
+        const char* htmlSource;
+        const char* textSource;
         std::vector<std::string> html, text;  // in this order
     } cases[] = {
-        {"multi-value-attribute.tnef", "html",
-         {"<b>Attachments: </b>208225__5_seconds__Voice_Mail.mp3<br>", "<html><head>\r\n<style",
+        {"multi-value-attribute.tnef", "rtf-html", "rtf-html",
+         {"<b>Attachments: </b>208225__5_seconds__Voice_Mail.mp3<br>",
+          "<html><head>\r\n<style type=\"text/css\"> a:link { color: #3399ff; }",
           "<div id=\"UM-call-info\" lang=\"en\">",
           "You received a voice mail from Curie Conf Room at <a style=\"color: #3399ff; \" "
-          "href=\"tel:208225\">208225</a>.</div>",
+          "href=\"tel:208225\">208225</a>.</div><br><table border=\"0\"",
           "</body></html>"},
          {"Attachments: 208225__5_seconds__Voice_Mail.mp3\r\n\r\n"
           "You received a voice mail from Curie Conf Room at 208225.\r\n"}},
-        {"long-filename.tnef", "text", {"<p>Heather</p>"},
-         {"Sent: Wed Nov 17 20:28:44 1999\r\n", "I've attached a temp. license for QARun 4.7.",
-          "\r\n\r\nHeather\r\n", "From: Mark Simpson [mailto:msimpson@numega.com]\r\n"}},
-        {"missing-filenames.tnef", "text", {"<p>Hi Stephen,</p>"},
-         {"Hi Stephen,\r\n\r\nSue has encountered a Date problem", "cheers, Liedeke\r\n"}},
-        {"rtf.tnef", "text", {"<p>aafg<b>ag&#39;alga&#39;kgk</b></p>", "<p>-- Greg</p>"},
-         {"aafgag'alga'kgk\r\n", "agka;kgag", "\\hge\r\nrgtad", "978-318-6939 (Fax)"}},
-        {"triples.tnef", "text", {"<p>Sample description</p>"}, {"Sample description"}},
-        {"attachments.tnef", "text", {"<b>Attachments: </b>zappa_av1.jpg; bookmark.htm",
-                                      "<p>Casdasdfasdfasd</p>"},
-         {"Attachments: zappa_av1.jpg; bookmark.htm\r\n", "Casdasdfasdfasd\r\nCasdasdfasdfasd"}},
+        {"long-filename.tnef", "rtf-text", "rtf-text",
+         {"<p>I&#39;ve attached a temp. license for QARun 4.7.  Do you", "<p>Heather</p>"},
+         {"Sent: Wed Nov 17 20:28:44 1999\r\n",
+          "I've attached a temp. license for QARun 4.7.  Do you need something more permanent?",
+          "\r\n\r\nHeather\r\n", "From: Mark Simpson [mailto:msimpson@numega.com]\r\n",
+          "Compuware Corporation                                      msimpson@numega.com\r\n"}},
+        {"missing-filenames.tnef", "rtf-text", "rtf-text", {"<p>Hi Stephen,</p>", "<p>cheers, Liedeke</p>"},
+         {"Hi Stephen,\r\n\r\nSue has encountered a Date problem", "cheers, Liedeke\r\n", "EOM \r\n",
+          "please notify postmaster@bhp.com.au.\r\n"}},
+        {"rtf.tnef", "rtf", "rtf", {"<p>aafg<b>ag&#39;alga&#39;kgk</b></p>", "<p><b>\\hge</b></p>", "<p>-- Greg</p>"},
+         {"aafgag'alga'kgk\r\n", "agka;kgag", "\\hge\r\nrgtad", "Greg Allen\r\n", "978-318-6939 (Fax)"}},
+        {"triples.tnef", "rtf", "text", {"<p>Sample description</p>"}, {"Sample description\r\n"}},
+        {"attachments.tnef", "rtf", "rtf", {"<b>Attachments: </b>zappa_av1.jpg; bookmark.htm", "<p>Casdasdfasdfasd</p>"},
+         {"Attachments: zappa_av1.jpg; bookmark.htm\r\n",
+          "Casdasdfasdfasd\r\nCasdasdfasdfasd\r\n\r\n\r\nCasdasdfasdfasd"}},
     };
     for (const Case& c : cases) {
-        SCOPED_TRACE(c.file);
-        std::string file = dir_ + "/" + c.file;
-        ToolRun html = runTool({"show", file, "--format", "html"});
-        ToolRun text = runTool({"show", file, "--format", "text"});
-        for (const ToolRun* run : {&html, &text}) {
-            EXPECT_EQ(run->exitCode, 0) << run->err;
-            EXPECT_EQ(run->out.find("\\rtf1"), std::string::npos) << run->out;
+        for (const char* form : {"html", "text"}) {
+            SCOPED_TRACE(std::string(c.file) + " as " + form);
+            TempDir out;
+            ToolRun run = runTool({"extract", dir_ + "/" + c.file, "-C", out.path().string(), "--body", form,
+                                   "--json", "--only", "0"});
+            EXPECT_EQ(run.exitCode, 0) << run.err;
+            Json message = run.json()["written"][0];
+            bool html = form == std::string("html");
+            EXPECT_EQ(message["source"], html ? c.htmlSource : c.textSource);
+            std::string body = readText(message["path"]);
+            EXPECT_EQ(body.find("\\rtf1"), std::string::npos) << body;
+            EXPECT_EQ(body.find("htmltag"), std::string::npos) << body;
+            EXPECT_TRUE(inOrder(body, html ? c.html : c.text)) << body;
         }
-        EXPECT_TRUE(inOrder(html.out, c.html)) << html.out;
-        EXPECT_TRUE(inOrder(text.out, c.text)) << text.out;
-        EXPECT_EQ(runTool({"show", file}).out, c.autoForm == std::string("html") ? html.out : text.out);
     }
 }
 

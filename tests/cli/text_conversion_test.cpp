@@ -1,6 +1,5 @@
 // Text from streams shown as UTF-8: 16-bit strings, 8-bit strings in the
-// message's code page, bytes that already are UTF-8; and the numbering of
-// subfiles with --root and --only.
+// message's code page, bytes that already are UTF-8.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -55,38 +54,11 @@ TEST(CliText, SubjectsAndNamesComeOutAsUtf8) {
         EXPECT_EQ(report["summary"]["subject"], c.subject);
         EXPECT_EQ(report["subfiles"][1]["name"], c.attachmentShown);
 
-        Json props = runTool({"props", file, "--json"}).json();
-        EXPECT_EQ(props["properties"][5]["value"], c.subject);
-
         fs::path out = dir.path() / c.what;
         ToolRun extracted = runTool({"extract", file, "-C", out.string(), "--body", "none"});
         EXPECT_EQ(extracted.exitCode, 0) << extracted.err;
         EXPECT_TRUE(fs::exists(out / c.attachmentShown));
     }
-}
-
-TEST(CliText, RootEntryAndOnlySelectSubfilesByTheirListedIndex) {
-    TempDir dir;
-    std::string file = writeFile(dir.path() / "t.tnef",
-                                 streamWith(1252, {Prop::string8(kTagSubject8, "Hi")}, "a.txt"));
-    Json rooted = runTool({"list", file, "--json", "--root"}).json();
-    ASSERT_EQ(rooted["subfiles"].size(), 3u);
-    EXPECT_EQ(rooted["subfiles"][0]["type"], "root");
-    EXPECT_EQ(rooted["subfiles"][0]["name"], "root/");
-    EXPECT_EQ(rooted["subfiles"][0]["time"], nullptr);
-    EXPECT_EQ(rooted["subfiles"][2]["name"], "root/a.txt");
-    EXPECT_EQ(rooted["subfiles"][2]["parentIndex"], 1);
-
-    ToolRun only = runTool({"extract", file, "-C", dir / "out", "--only", "1", "--json"});
-    EXPECT_EQ(only.exitCode, 0) << only.err;
-    Json written = only.json()["written"];
-    ASSERT_EQ(written.size(), 1u);
-    EXPECT_EQ(written[0]["index"], 1);
-    EXPECT_EQ(filesBelow(dir.path() / "out"), std::vector<std::string>{"a.txt"});
-
-    ToolRun outside = runTool({"extract", file, "-C", dir / "out2", "--only", "2"});
-    EXPECT_EQ(outside.exitCode, 1);
-    EXPECT_NE(outside.err.find("no subfile 2"), std::string::npos) << outside.err;
 }
 
 }  // namespace

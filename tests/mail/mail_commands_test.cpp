@@ -2,7 +2,6 @@
 // mboxes and maildirs, found by content, picked with --part.
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <fstream>
 
 #include "tests/cli/cli_runner.h"
@@ -11,33 +10,26 @@
 namespace tneftest {
 namespace {
 
-namespace fs = std::filesystem;
-
-Bytes tnefWith(const std::string& subject, const std::string& attachment) {
+GRef<GMimeObject> sampleTnefPart(const std::string& subject, const std::string& attachment) {
     MessageLayout plan;
     plan.body = "Body of " + subject;
     plan.props = {Prop::string8(kTagSubject8, subject)};
     plan.attachments.push_back({attachment, bytesOf("data of " + attachment), {}});
-    return buildMessage(plan);
+    return tnefPart(buildMessage(plan));
 }
 
-GRef<GMimeObject> tnefPart(const std::string& subject, const std::string& attachment) {
-    return bytesPart("application/ms-tnef", tnefWith(subject, attachment), GMIME_CONTENT_ENCODING_BASE64,
-                     "winmail.dat");
-}
-
-TEST(MailCommands, EachCommandReadsTheTnefPartsOfMail) {
+TEST(MailCommands, EachCommandReadsTheTnefPartsOfMailAndBatchGivesEachAFolder) {
     TempDir dir;
-    // Two TNEF parts in one message; an mbox of a message without TNEF and
-    // one with; a maildir holding the two-part message; a message without TNEF.
-    std::string two = messageBytes(multipart("mixed", {tnefPart("First", "a.txt"), tnefPart("Second", "b.txt")}));
-    std::string none = messageBytes(bytesPart("text/plain", bytesOf("Hi\n"), GMIME_CONTENT_ENCODING_7BIT), "n@x");
+    // Two TNEF parts in one message; a message without TNEF; an mbox of a
+    // message without TNEF and one with; a maildir holding the two-part message.
+    std::string two = messageBytes(multipart("mixed", {sampleTnefPart("First", "a.txt"),
+                                                       sampleTnefPart("Second", "b.txt")}));
+    std::string none = messageBytes(textPart("Hi\n"), "n@x");
     std::ofstream(dir / "two.eml") << two;
     std::ofstream(dir / "none.eml") << none;
-    std::ofstream(dir / "box.mbox") << "From a@x Mon Jan  1 00:00:00 2024\n" << none << "\n"
-                                    << "From b@x Mon Jan  1 00:00:00 2024\n"
-                                    << messageBytes(tnefPart("Third", "c.txt"), "t@x") << "\n";
-    for (const char* sub : {"cur", "new", "tmp"}) fs::create_directories(dir.path() / "md" / sub);
+    std::ofstream(dir / "box.mbox") << mboxEntry("a@x", none)
+                                    << mboxEntry("b@x", messageBytes(sampleTnefPart("Third", "c.txt"), "t@x"));
+    makeMaildir(dir / "md");
     std::ofstream(dir / "md/new/1.host") << two;
     struct Case {
         std::vector<std::string> args;
@@ -68,25 +60,16 @@ TEST(MailCommands, EachCommandReadsTheTnefPartsOfMail) {
     ToolRun show = runTool({"show", dir / "two.eml", "--no-header"});
     EXPECT_EQ(show.out, "Body of First");
     EXPECT_NE(show.err.find("2 TNEF parts; reading part 0"), std::string::npos);
-}
 
-TEST(MailCommands, BatchGivesEachTnefPartAFolderAndSaysWhereThereIsNone) {
-    TempDir dir;
-    std::ofstream(dir / "box.mbox") << "From b@x Mon Jan  1 00:00:00 2024\n"
-                                    << messageBytes(tnefPart("One", "c.txt")) << "\n";
-    std::ofstream(dir / "two.eml") << messageBytes(
-        multipart("mixed", {tnefPart("First", "a.txt"), tnefPart("Second", "b.txt")}));
-    std::ofstream(dir / "none.eml") << messageBytes(bytesPart("text/plain", bytesOf("Hi\n"), GMIME_CONTENT_ENCODING_7BIT));
-    ToolRun run = runTool({"batch", dir / "box.mbox", dir / "two.eml", dir / "none.eml", "-C", dir / "out", "--json"});
-    EXPECT_EQ(run.exitCode, 0) << run.err;
-    EXPECT_EQ(run.json()["counts"], (Json{{"files", 4}, {"ok", 3}, {"partial", 0}, {"failed", 0}, {"noTnef", 1}}));
-    EXPECT_EQ(run.json()["files"][3]["outcome"], "no TNEF");
-    std::vector<std::string> files = filesBelow(dir.path() / "out");
+    ToolRun batch = runTool({"batch", dir / "box.mbox", dir / "two.eml", dir / "none.eml", "-C", dir / "batch", "--json"});
+    EXPECT_EQ(batch.exitCode, 0) << batch.err;
+    EXPECT_EQ(batch.json()["counts"], (Json{{"files", 4}, {"ok", 3}, {"partial", 0}, {"failed", 0}, {"noTnef", 1}}));
+    EXPECT_EQ(batch.json()["files"][3]["outcome"], "no TNEF");
     std::vector<std::string> attachments;
-    for (const std::string& file : files) {
+    for (const std::string& file : filesBelow(dir.path() / "batch")) {
         if (file.find(".txt") != std::string::npos && file.find(".mail") == std::string::npos) attachments.push_back(file);
     }
-    EXPECT_EQ(attachments, (std::vector<std::string>{"box.mbox/message 0/c.txt", "two.eml/part 0/a.txt",
+    EXPECT_EQ(attachments, (std::vector<std::string>{"box.mbox/message 1/c.txt", "two.eml/part 0/a.txt",
                                                      "two.eml/part 1/b.txt"}));
 }
 

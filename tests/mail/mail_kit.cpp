@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <memory>
 
 #include "mail/mail_input.h"
@@ -86,6 +87,14 @@ GRef<GMimeObject> bytesPart(const std::string& type, const Bytes& bytes,
     return GRef<GMimeObject>::adopt(GMIME_OBJECT(part));
 }
 
+GRef<GMimeObject> tnefPart(const Bytes& tnef) {
+    return bytesPart("application/ms-tnef", tnef, GMIME_CONTENT_ENCODING_BASE64, "winmail.dat");
+}
+
+GRef<GMimeObject> textPart(const std::string& text) {
+    return bytesPart("text/plain", bytesOf(text), GMIME_CONTENT_ENCODING_7BIT);
+}
+
 GRef<GMimeObject> multipart(const char* subtype, const std::vector<GRef<GMimeObject>>& parts) {
     GMimeMultipart* multipart = g_mime_multipart_new_with_subtype(subtype);
     for (const auto& part : parts) g_mime_multipart_add(multipart, part.get());
@@ -112,6 +121,14 @@ std::string messageBytes(GRef<GMimeObject> body, const std::string& id) {
     std::string bytes(text);
     g_free(text);
     return bytes;
+}
+
+std::string mboxEntry(const std::string& sender, const std::string& message) {
+    return "From " + sender + " Mon Jan  1 00:00:00 2024\n" + message + "\n";
+}
+
+void makeMaildir(const std::string& path) {
+    for (const char* sub : {"cur", "new", "tmp"}) std::filesystem::create_directories(path + "/" + sub);
 }
 
 ReadBack readBack(const std::string& messageBytes) {

@@ -6,7 +6,6 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <sstream>
 
 #include "tests/cli/cli_runner.h"
 #include "tests/support/lzfu_compressor.h"
@@ -46,23 +45,8 @@ Bytes richTnef(bool rtfOnly = false) {
     return buildMessage(plan);
 }
 
-Bytes damagedTnef() {
-    return TnefWriter()
-        .version()
-        .record(kLevelMessage, 0x9003, propertyBlock({Prop::string8(kTagSubject8, "x")}),
-                {0x0006, uint16_t{0xBEEF}})
-        .bytes();
-}
-
 const std::map<std::string, std::string> kAttachments = {
     {"Bericht für März.pdf", kPdf}, {"logo.png", kPng}, {"inner.txt", "inner attachment"}};
-
-std::string slurp(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
 
 // The checks of Python's email package (tests/mail/check_unwrapped.py).
 int pythonCheck(const TempDir& dir, const std::string& file) {
@@ -82,22 +66,20 @@ TEST(Unwrap, EveryShapeOfTnefMailBecomesStandardMime) {
         const char* what;
         std::function<GRef<GMimeObject>()> body;
     } cases[] = {
-        {"single-part TNEF, base64",
-         [&] { return bytesPart("application/ms-tnef", tnef, GMIME_CONTENT_ENCODING_BASE64, "winmail.dat"); }},
+        {"single-part TNEF, base64", [&] { return tnefPart(tnef); }},
         {"text and winmail.dat, quoted-printable",
          [&] {
-             return multipart("mixed", {bytesPart("text/plain", bytesOf(kBody + "\n"), GMIME_CONTENT_ENCODING_7BIT),
+             return multipart("mixed", {textPart(kBody + "\n"),
                                         bytesPart("application/octet-stream", tnef,
                                                   GMIME_CONTENT_ENCODING_QUOTEDPRINTABLE, "winmail.dat")});
          }},
         {"TNEF in a forwarded message/rfc822",
          [&] {
-             return multipart("mixed", {bytesPart("text/plain", bytesOf("See below.\n"), GMIME_CONTENT_ENCODING_7BIT),
+             return multipart("mixed", {textPart("See below.\n"),
                                         messagePart(bytesPart("application/vnd.ms-tnef", tnef,
                                                               GMIME_CONTENT_ENCODING_BASE64, "win.dat"))});
          }},
-        {"a body stored only as RTF",
-         [&] { return bytesPart("application/ms-tnef", rtfOnly, GMIME_CONTENT_ENCODING_BASE64, "winmail.dat"); }},
+        {"a body stored only as RTF", [&] { return tnefPart(rtfOnly); }},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
@@ -106,7 +88,7 @@ TEST(Unwrap, EveryShapeOfTnefMailBecomesStandardMime) {
         std::ofstream(in, std::ios::binary) << messageBytes(c.body());
         ToolRun run = runTool({"unwrap", in, "-o", out});
         ASSERT_EQ(run.exitCode, 0) << run.err;
-        ReadBack found = readBack(slurp(out));
+        ReadBack found = readBack(readText(out));
         EXPECT_EQ(found.tnefParts, 0u);
         EXPECT_FALSE(found.correlator);
         EXPECT_EQ(found.attachments, kAttachments);
@@ -118,7 +100,7 @@ TEST(Unwrap, EveryShapeOfTnefMailBecomesStandardMime) {
 }
 
 TEST(Unwrap, WhatHasNoReadableTnefComesOutByteForByte) {
-    GRef<GMimeObject> hi = bytesPart("text/plain", bytesOf("Hi\n"), GMIME_CONTENT_ENCODING_7BIT);
+    GRef<GMimeObject> hi = textPart("Hi\n");
     struct Case {
         const char* what;
         std::string message;
@@ -128,14 +110,11 @@ TEST(Unwrap, WhatHasNoReadableTnefComesOutByteForByte) {
                                                                    GMIME_CONTENT_ENCODING_BASE64, "a.pdf")})),
          0},
         {"damaged TNEF",
-         messageBytes(multipart("mixed", {hi, bytesPart("application/ms-tnef", damagedTnef(),
-                                                        GMIME_CONTENT_ENCODING_BASE64, "winmail.dat")})),
+         messageBytes(multipart("mixed", {hi, tnefPart(damagedStream())})),
          3},
         {"signed TNEF",
-         messageBytes(multipart("signed", {bytesPart("application/ms-tnef", richTnef(), GMIME_CONTENT_ENCODING_BASE64,
-                                                     "winmail.dat"),
-                                           bytesPart("application/pgp-signature", bytesOf("sig"),
-                                                     GMIME_CONTENT_ENCODING_7BIT)})),
+         messageBytes(multipart("signed", {tnefPart(richTnef()), bytesPart("application/pgp-signature", bytesOf("sig"),
+                                                                             GMIME_CONTENT_ENCODING_7BIT)})),
          3},
         {"not mail at all", "\x01\x02 no header\n\nFrom nowhere\n", 0},
     };
@@ -152,10 +131,8 @@ TEST(Unwrap, WhatHasNoReadableTnefComesOutByteForByte) {
 }
 
 TEST(Unwrap, MboxInMboxOutKeepsOtherMessagesAndTheirEscapes) {
-    std::string plain = "From a@example.com Mon Jan  1 00:00:00 2024\nSubject: plain\n\n>From the past\n\n";
-    std::string tnef = "From b@example.com Mon Jan  1 00:00:00 2024\n" +
-                       messageBytes(bytesPart("application/ms-tnef", richTnef(),
-                                              GMIME_CONTENT_ENCODING_BASE64, "winmail.dat")) + "\n";
+    std::string plain = mboxEntry("a@example.com", "Subject: plain\n\n>From the past\n");
+    std::string tnef = mboxEntry("b@example.com", messageBytes(tnefPart(richTnef())));
     TempDir dir;
     std::string in = dir / "in.mbox";
     std::ofstream(in, std::ios::binary) << plain << tnef << plain;
@@ -180,15 +157,12 @@ int runLimited(size_t kib, const std::vector<std::string>& args) {
 }
 
 TEST(Unwrap, InPlaceReplacesWholeFilesOrLeavesThemAlone) {
-    Bytes big(300 * 1024);
-    for (size_t i = 0; i < big.size(); ++i) big[i] = static_cast<uint8_t>(i * 7 + i / 251);
+    Bytes big = randomBytes(300 * 1024, 13);
     MessageLayout plan;
     plan.body = kBody;
     plan.attachments.push_back({"big.bin", big, {}});
-    std::string message = messageBytes(
-        bytesPart("application/ms-tnef", buildMessage(plan), GMIME_CONTENT_ENCODING_BASE64, "winmail.dat"));
-    std::string damaged = messageBytes(
-        bytesPart("application/ms-tnef", damagedTnef(), GMIME_CONTENT_ENCODING_BASE64, "winmail.dat"));
+    std::string message = messageBytes(tnefPart(buildMessage(plan)));
+    std::string damaged = messageBytes(tnefPart(damagedStream()));
     struct Case {
         const char* what;
         const std::string& content;
@@ -209,7 +183,7 @@ TEST(Unwrap, InPlaceReplacesWholeFilesOrLeavesThemAlone) {
                                    : runLimited(c.limitKib, {"unwrap", "--in-place", file});
         EXPECT_EQ(code, c.exitCode);
         EXPECT_EQ(filesBelow(dir.path()), std::vector<std::string>{"msg.eml"});
-        std::string now = slurp(file);
+        std::string now = readText(file);
         EXPECT_EQ(now != c.content, c.rewritten);
         if (c.rewritten) {
             EXPECT_EQ(readBack(now).attachments.at("big.bin"), std::string(big.begin(), big.end()));
@@ -219,20 +193,19 @@ TEST(Unwrap, InPlaceReplacesWholeFilesOrLeavesThemAlone) {
 
 TEST(Unwrap, MaildirFilesAreRewrittenInPlaceWithTheirSizeInTheName) {
     TempDir dir;
-    for (const char* sub : {"cur", "new", "tmp"}) fs::create_directories(dir.path() / "box" / sub);
-    std::string plain = messageBytes(bytesPart("text/plain", bytesOf("Hi\n"), GMIME_CONTENT_ENCODING_7BIT));
+    makeMaildir(dir / "box");
+    std::string plain = messageBytes(textPart("Hi\n"));
     std::ofstream(dir / "box/new/1.M1.host,S=99:2,") << plain;
-    std::ofstream(dir / "box/cur/2.M2.host,S=99:2,S")
-        << messageBytes(bytesPart("application/ms-tnef", richTnef(), GMIME_CONTENT_ENCODING_BASE64, "winmail.dat"));
+    std::ofstream(dir / "box/cur/2.M2.host,S=99:2,S") << messageBytes(tnefPart(richTnef()));
     ToolRun run = runTool({"unwrap", "--in-place", dir / "box"});
     ASSERT_EQ(run.exitCode, 0) << run.err;
     std::vector<std::string> files = filesBelow(dir.path() / "box");
     ASSERT_EQ(files.size(), 2u);
     std::string rewritten = (dir.path() / "box" / files[0]).string();
     EXPECT_EQ(files[0], "cur/2.M2.host,S=" + std::to_string(fs::file_size(rewritten)) + ":2,S");
-    EXPECT_EQ(readBack(slurp(rewritten)).attachments, kAttachments);
+    EXPECT_EQ(readBack(readText(rewritten)).attachments, kAttachments);
     EXPECT_EQ(files[1], "new/1.M1.host,S=99:2,");
-    EXPECT_EQ(slurp(dir / "box/new/1.M1.host,S=99:2,"), plain);
+    EXPECT_EQ(readText(dir / "box/new/1.M1.host,S=99:2,"), plain);
 }
 
 }  // namespace
