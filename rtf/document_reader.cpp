@@ -59,9 +59,12 @@ void DocumentReader::skipGroup(GroupState& state) {
     state.unicodePairResume = Destination::kSkip;
 }
 
-bool DocumentReader::receivesText(const GroupState& state) const {
+bool DocumentReader::receivesText(const GroupState& state) {
     switch (state.destination) {
         case Destination::kBody:
+            // Content of the body ends the header, whether or not it is
+            // shown: the encapsulation decides whether \htmlrtf hides it.
+            decide();
             return !state.hidden && !(rules_.honourHtmlRtf && state.htmlRtf);
         case Destination::kHtmlTag:
         case Destination::kFieldInstruction:

@@ -94,7 +94,7 @@ private:
     void noteFirstToken(bool isRtfWord);
     void decide();
     void skipGroup(GroupState& state);
-    bool receivesText(const GroupState& state) const;
+    bool receivesText(const GroupState& state);
     uint32_t codePage(const GroupState& state);
     void fontsChanged();
     void deliver(std::string_view utf8);

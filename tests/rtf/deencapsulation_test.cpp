@@ -55,6 +55,8 @@ TEST(Deencapsulation, FormsByEncapsulation) {
         {text, OutputForm::kText, "a <b>\r\nb", Encapsulation::kText},
         {text, OutputForm::kHtml, "<p>a &lt;b&gt;</p>\r\n<p>b</p>\r\n", Encapsulation::kText},
         {"{\\rtf1\\fromhtml0{\\f0}x}", OutputForm::kText, "x", Encapsulation::kNone},
+        // \htmlrtf before the first text hides it as well.
+        {"{\\rtf1\\fromtext\\htmlrtf x\\tab\\htmlrtf0 y}", OutputForm::kText, "y", Encapsulation::kText},
     };
     for (const Case& c : cases) {
         rtftest::Converted converted = rtftest::convert(c.rtf, c.form);
