@@ -7,7 +7,8 @@
 #include <algorithm>
 #include <cstdio>
 #include <fstream>
-#include <sstream>
+
+#include "tests/support/reader_fixture.h"
 
 namespace tneftest {
 
@@ -73,20 +74,11 @@ std::string writeFile(const std::filesystem::path& path, const Bytes& bytes) {
 }
 
 std::string readText(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
+    Bytes bytes = readFile(path);
+    return std::string(bytes.begin(), bytes.end());
 }
 
-std::string sha256Of(const std::string& path) {
-    std::string command = "sha256sum " + shellQuoted(path);
-    std::FILE* pipe = ::popen(command.c_str(), "r");
-    if (pipe == nullptr) return {};
-    std::string out = readAll(pipe);
-    ::pclose(pipe);
-    return out.substr(0, out.find(' '));
-}
+std::string sha256Of(const std::string& path) { return runProgram("sha256sum", {path}).out.substr(0, 64); }
 
 std::vector<std::string> filesBelow(const std::filesystem::path& root) {
     std::vector<std::string> files;

@@ -105,27 +105,6 @@ TEST(CliJson, ListAndPropsHaveTheirShapes) {
     EXPECT_EQ(answer[1]["found"], false);
 }
 
-TEST(CliJson, ExtractReportsWhatItWroteAndOnlyWritesWhatIsAskedFor) {
-    TempDir dir;
-    std::string file = writeFile(dir.path() / "good.tnef", sampleStream());
-    ToolRun run = runTool({"extract", file, "-C", dir / "out", "--body", "text", "--json"});
-    EXPECT_EQ(run.exitCode, 0) << run.err;
-    Json report = run.json();
-    EXPECT_EQ(keysOf(report), (Keys{"file", "status", "error", "written", "links"}));
-    ASSERT_EQ(report["written"].size(), 2u);
-    EXPECT_EQ(report["written"][0]["name"], "Hello.mail");
-    EXPECT_EQ(report["written"][0]["form"], "text");
-    EXPECT_EQ(report["written"][0]["path"], dir / "out/Hello.mail.txt");
-    EXPECT_EQ(report["written"][1], (Json{{"index", 1}, {"name", "report.pdf"},
-                                                    {"path", dir / "out/report.pdf"}, {"bytes", 14},
-                                                    {"status", 0}}));
-
-    ToolRun only = runTool({"extract", file, "-C", dir / "only", "--only", "1", "--json"});
-    EXPECT_EQ(only.exitCode, 0) << only.err;
-    EXPECT_EQ(only.json()["written"].size(), 1u);
-    EXPECT_EQ(filesBelow(dir.path() / "only"), std::vector<std::string>{"report.pdf"});
-}
-
 // show --format and extract --body write the same bytes, extract under the
 // extension of the form written; --raw and rtf give the module's rendering.
 TEST(CliBodies, EachFormIsShownAndWrittenAlike) {

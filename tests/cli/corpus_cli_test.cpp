@@ -62,6 +62,7 @@ TEST_F(CorpusCli, ExtractWritesEverySubfileWithTheExpectedBytes) {
         ToolRun run = runTool({"extract", dir_ + "/" + file, "-C", out.path().string(), "--json"});
         EXPECT_EQ(run.exitCode, want["open_status"] == 0 ? 0 : 3) << run.err;
         Json report = run.json();
+        EXPECT_EQ(keysOf(report), (Keys{"file", "status", "error", "written", "links"}));
         size_t files = 0;
         for (const auto& sub : want["subfiles"]) {
             int index = sub["index"].get<int>();
@@ -139,6 +140,7 @@ TEST_F(CorpusCli, EveryBodyIsReadableInBothForms) {
             Json message = run.json()["written"][0];
             bool html = form == std::string("html");
             EXPECT_EQ(message["source"], html ? c.htmlSource : c.textSource);
+            EXPECT_EQ(filesBelow(out.path()).size(), 1u) << "--only 0 writes the message alone";
             std::string body = readText(message["path"]);
             EXPECT_EQ(body.find("\\rtf1"), std::string::npos) << body;
             EXPECT_EQ(body.find("htmltag"), std::string::npos) << body;

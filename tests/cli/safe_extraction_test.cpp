@@ -36,6 +36,7 @@ const std::vector<Hostile>& hostileNames() {
         {"same.txt", "same (1).txt"},
         {"SAME.txt", "SAME (2).txt"},
         {std::string(300, 'x') + ".pdf", std::string(196, 'x') + ".pdf"},
+        {"invoice\xE2\x80\xAE" "fdp.exe", "invoice_fdp.exe"},  // a right-to-left override
     };
     return names;
 }

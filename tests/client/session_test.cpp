@@ -1,7 +1,6 @@
-// The client over a module linked into the program: embedded messages listed
-// and opened at every depth, and the memory and file outputs. (The tool's
-// tests reach the rest of the client, with the module loaded from its
-// library, and check the listing of embedded messages in full.)
+// The client over a module linked into the program: embedded messages
+// opened at every depth and extracted to memory and to files, with nothing
+// left allocated. (The tool's tests list embedded messages in full.)
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -15,7 +14,7 @@ namespace {
 
 using namespace tnefclient;
 
-TEST(ClientSession, EmbeddedMessagesAreListedOpenedAndExtractedAndNothingIsLeftAllocated) {
+TEST(ClientSession, EmbeddedMessagesAreOpenedAndExtractedAndNothingIsLeftAllocated) {
     tnefhost::PosixHost host;
     ReaderModule module = ReaderModule::linked(&tnefGetContainerReaderInterfaceEx, TNEF_BUILD_DIR);
     Bytes third = noteMessage("Deepest", "third body", {{"c.txt", bytesOf("C"), {}}});
@@ -30,14 +29,8 @@ TEST(ClientSession, EmbeddedMessagesAreListedOpenedAndExtractedAndNothingIsLeftA
                   Opened::kOk)
             << error;
         Listing listing = readListing(session, true);
-        EXPECT_TRUE(listing.complete);
-        ASSERT_EQ(listing.subfiles.size(), 3u);
-        EXPECT_FALSE(listing.subfiles[1].nested);
-        ASSERT_TRUE(listing.subfiles[2].nested);
-        const Listing& inner = listing.subfiles[2].nested->listing;
-        ASSERT_EQ(inner.subfiles.size(), 3u);
-        ASSERT_TRUE(inner.subfiles[2].nested);
-        EXPECT_EQ(inner.subfiles[2].nested->listing.subfiles.at(1).name, "c.txt");
+        ASSERT_TRUE(listing.subfiles.at(2).nested);
+        EXPECT_EQ(listing.subfiles[2].nested->listing.subfiles.at(2).nested->listing.subfiles.at(1).name, "c.txt");
 
         Bytes bytes;
         EXPECT_EQ(session.extractToMemory(2, &bytes).status, kTnefOk);

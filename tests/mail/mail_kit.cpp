@@ -58,6 +58,9 @@ void collect(GMimeObject*, GMimeObject* part, gpointer data) {
         g_mime_message_foreach(inner, collect, data);
         return;
     }
+    if (g_mime_content_type_is_type(g_mime_object_get_content_type(part), "multipart", "related")) {
+        found->related = true;
+    }
     if (!GMIME_IS_PART(part)) return;
     const char* name = g_mime_part_get_filename(GMIME_PART(part));
     if (name != nullptr) {

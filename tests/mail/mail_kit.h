@@ -35,9 +35,11 @@ void makeMaildir(const std::string& path);
 
 // What a reader finds in a message: parts with a file name, by name, with
 // their decoded bytes; the texts of the text/plain parts without one; how
-// many TNEF parts are left. GMime is started for the whole test program.
+// many TNEF parts are left; whether images the HTML shows are related to
+// it. GMime is started for the whole test program.
 struct ReadBack {
     std::map<std::string, std::string> attachments;
+    bool related = false;  // a multipart/related holds the HTML and its images
     std::vector<std::string> texts;
     size_t tnefParts = 0;
     bool correlator = false;

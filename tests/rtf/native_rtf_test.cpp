@@ -39,11 +39,12 @@ TEST(NativeRtf, Text) {
         {"{\\rtf1\\ansi\\ansicpg1251 \\'c0\xc0}", "\u0410\u0410"},
         {"{\\rtf1\\ansi\\ansicpg1252 \\'80\\'e9\\'81}", "\u20AC\u00E9\uFFFD"},
         {"{\\rtf1\\ansi\\ansicpg1252\\deff1{\\fonttbl{\\f0\\fcharset0 A;}{\\f1\\fcharset204 B;}"
-         "{\\f2\\fcharset0\\cpg1250 C;}{\\f3\\fcharset2 Symbol;}}\\'c0\\f0\\'c0\\f2\\'c0\\f3\\'b7\\plain\\'c0}",
-         "\u0410\u00C0\u0154\u2022\u0410"},
+         "{\\f2\\fcharset0\\cpg1250 C;}{\\f3\\fcharset2 Symbol;}{\\f4\\fcharset128 D;}}"
+         "\\'c0\\f0\\'c0\\f2\\'c0\\f3\\'b7\\f4\\'82\\'a0\\plain\\'c0}",
+         "\u0410\u00C0\u0154\u2022\u3042\u0410"},
         {"{\\rtf1\\ansi\\ansicpg932 \\'82\\'a0\\'83e\\'82\\par x}", "\u3042\u30C6\uFFFD\r\nx"},
         {"{\\rtf1\\mac \\'8e}", "\u00E9"},
-        {"{\\rtf1\\ansicpg65001 \\'e2\\'82\\'ac\\'e2x\\'00\\'07}", "\u20AC\uFFFDx"},
+        {"{\\rtf1\\ansicpg65001 \\'e2\\'82\\'ac\\'e2x\\'00\\'07\\'f0\\'9f\\'98\\'80}", "\u20AC\uFFFDx\U0001F600"},
         // Fields show their results; \upr shows its Unicode twin.
         {"{\\rtf1{\\field{\\*\\fldinst HYPERLINK \"http://x.org/\"}{\\fldrslt site}} "
          "{\\field{\\*\\fldinst PAGE}{\\fldrslt 3}}{\\upr{ansi}{\\*\\ud{uni}}}}",
