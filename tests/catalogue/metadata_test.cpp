@@ -1,4 +1,5 @@
-// Metadata queries: the default set of the message and requests by tag.
+// Metadata queries: the default set of the message and requests by tag
+// (refused memory in both modes is swept in tests/sweeps).
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -140,21 +141,6 @@ TEST(Metadata, RequestsByTag) {
         }
         release(s, result, static_cast<int32_t>(c.tags.size()));
         EXPECT_EQ(s.results.liveBlocks(), 0u) << c.what;
-    }
-}
-
-// In request mode refused memory gives no answer at all (the default
-// mode's partial answers are swept in tests/sweeps).
-TEST(Metadata, RefusedMemoryInRequestMode) {
-    OpenedStream s(queriedStream(false));
-    MetadataRequest request{0, kTagSubject16};
-    MetadataRequest* list[] = {&request};
-    for (uint64_t n : {1u, 2u}) {
-        s.results.refuseRequest(n);
-        MetadataResult result{nullptr, -9, nullptr};
-        EXPECT_EQ(tnefGetSubfileMetadata(s.container, 0, 1, list, &result, &s.memory), 2) << n;
-        EXPECT_EQ(result.count, -9);
-        EXPECT_EQ(s.results.liveBlocks(), 0u) << n;
     }
 }
 

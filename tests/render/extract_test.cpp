@@ -1,6 +1,6 @@
 // The extraction dispatcher: index translation, per-extract settings, the
 // output's checks and closing steps, the byte-for-byte road, and the
-// message's stored HTML and RTF bodies byte for byte.
+// message's text, stored HTML and RTF bodies byte for byte.
 #include <gtest/gtest.h>
 
 #include "reader/operations.h"
@@ -25,7 +25,7 @@ TEST(Extract, RawCopyAndIndexTranslation) {
     for (uint32_t flags : {0u, 0x40000u}) {
         OpenedStream s(twoAttachments(), flags);
         int32_t o = flags != 0 ? 1 : 0;
-        Extraction a = extractSubfile(s, 1 + o, 0, 7);
+        Extraction a = extractSubfile(s, 1 + o, 2 | 4, 7);  // the flags change nothing in a raw copy
         EXPECT_EQ(a.status, 0);
         EXPECT_EQ(a.bytes, patternBytes(10000));
         EXPECT_EQ(a.size, 10000);
@@ -36,6 +36,8 @@ TEST(Extract, RawCopyAndIndexTranslation) {
         EXPECT_EQ(empty.status, 0);
         EXPECT_EQ(empty.size, 0);
         EXPECT_TRUE(empty.bytes.empty());
+        // The settings of one extraction do not leak into the next.
+        EXPECT_EQ(s.container->omitSummaryHeader + s.container->preferStoredBody + s.container->outputCharset, 0);
         Extraction beyond = extractSubfile(s, 3 + o, 0, 5);
         EXPECT_EQ(beyond.status, 20);
         EXPECT_EQ(beyond.outputCharsetAfter, 0) << "consumed also on status 20";
@@ -52,20 +54,10 @@ TEST(Extract, DataRunningPastTheInput) {
     w.version().attachRendData().record(kLevelAttachment, 0x800F, bytesOf("only this"),
                                         {.length = 100000, .writeChecksum = false});
     OpenedStream s(w.bytes());
+    EXPECT_EQ(objectAt(s.container, 1)->dataSize, 100000) << "the scan notes the record whole";
     Extraction e = extractSubfile(s, 1);
     EXPECT_EQ(e.status, 0);
     EXPECT_EQ(e.bytes, bytesOf("only this"));
-}
-
-TEST(Extract, SettingsDoNotLeakIntoTheNextExtraction) {
-    OpenedStream s(twoAttachments());
-    extractSubfile(s, 1, 2 | 4);
-    EXPECT_EQ(s.container->omitSummaryHeader, 1);
-    EXPECT_EQ(s.container->preferStoredBody, 1);
-    extractSubfile(s, 1, 0);
-    EXPECT_EQ(s.container->omitSummaryHeader, 0);
-    EXPECT_EQ(s.container->preferStoredBody, 0);
-    EXPECT_EQ(s.container->outputCharset, 0);
 }
 
 TEST(Extract, UnusableOutputs) {
@@ -115,8 +107,16 @@ TEST(Extract, MessageBodies) {
     const std::string big(9000, 'h');  // three blocks
     const Prop html8 = Prop::string8(kTagBodyHtml8, "<p>str</p>");
     const std::string html8Body("<p>str</p>\0", 11);  // the 8-bit string, with its zero byte
-    struct Case { const char* what; MessageLayout plan; uint32_t flags; CharsetId wanted; std::string expected; };
+    struct Case {
+        const char* what;
+        MessageLayout plan;
+        uint32_t flags;
+        CharsetId wanted;
+        std::string expected;
+        bool converted = false;  // a charset wanted for the text is reported when it was converted
+    };
     const Case cases[] = {
+        {"text converted", {.oemCodePage = 1252, .body = "caf\xE9"}, 0, 53, kTextHeader + "caf\xC3\xA9", true},
         {"text and HTML", {.body = "b", .props = {html8}}, 0, 0, kTextHeader + "b"},
         {"text and HTML, stored preferred", {.body = "b", .props = {html8}}, 4, 51, kHtmlHeader + html8Body},
         {"text only, stored preferred", {.body = "b"}, 4, 0, kTextHeader + "b"},
@@ -139,7 +139,8 @@ TEST(Extract, MessageBodies) {
         Extraction e = extractSubfile(s, 0, c.flags, c.wanted);
         EXPECT_EQ(e.status, 0);
         EXPECT_EQ(std::string(e.bytes.begin(), e.bytes.end()), c.expected);
-        EXPECT_EQ(e.resultFlags & 4, 0u);
+        EXPECT_EQ(e.resultFlags & 4, c.converted ? 4u : 0u);
+        EXPECT_EQ(extractSubfile(s, 0, c.flags).resultFlags & 4, 0u) << "not kept for the next extraction";
         EXPECT_EQ(s.close(), "");
     }
 }
@@ -169,15 +170,6 @@ TEST(Extract, HtmlShorterThanItsSize) {
     Extraction e = extractSubfile(s, 0);
     EXPECT_EQ(std::string(e.bytes.begin(), e.bytes.end()),
               kHtmlHeader + std::string(stream.begin() + value.located.filePos, stream.end()));
-}
-
-// A charset wanted for the text is reported when the text was converted.
-TEST(Extract, ConvertedCharsetIsReported) {
-    OpenedStream s(buildMessage({.oemCodePage = 1252, .body = "caf\xE9"}));
-    Extraction converted = extractSubfile(s, 0, 0, 53);
-    EXPECT_EQ(converted.resultFlags & 4, 4u);
-    EXPECT_EQ(std::string(converted.bytes.begin(), converted.bytes.end()), kTextHeader + "caf\xC3\xA9");
-    EXPECT_EQ(extractSubfile(s, 0, 0, 0).resultFlags & 4, 0u);
 }
 
 }  // namespace

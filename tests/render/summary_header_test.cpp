@@ -211,7 +211,6 @@ TEST(RtfSummary, WholeHeaders) {
         {"charset 0 follows the host's default", bare, charset(0, true), rtfHead(932, 128) + kRtfEnd},
         {"charset 51 follows the host's default", bare, charset(51, true), rtfHead(932, 128) + kRtfEnd},
         {"charset 14", bare, charset(14), kRtfHead1252 + kRtfEnd},
-        {"charset 25", bare, charset(25), kRtfHead1252 + kRtfEnd},
         {"charset 53", bare, charset(53), kRtfHead1252 + kRtfEnd},
     };
     checkHeaders(cases, tnefWriteRtfSummaryField);

@@ -1,5 +1,6 @@
-// Property access and object settling: conversions, limits, the path cut of
-// long file names, and the kind and data range of attachments.
+// Property access and object settling: conversions and limits, and the kind
+// and data range of attachments. The path cut of long file names is checked
+// through the names in tests/catalogue/subfile_naming_test.cpp.
 #include <gtest/gtest.h>
 
 #include "stream/property_access.h"
@@ -67,30 +68,6 @@ TEST(PropertyAccess, ConversionsAndLimits) {
     }
 }
 
-TEST(PropertyAccess, PathCutOfLongFileNames) {
-    Bytes backslash16 = {'\\', 0, 0, 0};
-    struct Case {
-        Prop name;
-        int32_t method;
-        Bytes value;
-    };
-    const Case cases[] = {
-        {Prop::string8(kTagAttachLongFilename8, "C:\\a/b.txt"), 1, bytesOf(std::string("b.txt\0", 6))},
-        {Prop::string8(kTagAttachLongFilename8, "dir\\", false), 1, bytesOf("dir\\")},
-        {Prop::string8(kTagAttachLongFilename8, "dir\\"), 1, Bytes{0}},
-        {Prop::string8(kTagAttachLongFilename8, "C:\\a\\b.txt"), 6, bytesOf(std::string("C:\\a\\b.txt\0", 11))},
-        {Prop::unicode(kTagAttachLongFilename16, "x/y\\z.doc"), 0, utf16(std::string("z.doc\0", 6))},
-        {Prop::unicode(kTagAttachLongFilename16, "dir/", false), 0, utf16("dir/")},
-        {Prop::raw(kTagAttachLongFilename16, {backslash16}), 0, Bytes{0, 0}},
-        {Prop::unicode(kTagAttachLongFilename16, "a\\b"), 2, utf16(std::string("a\\b\0", 4))},
-    };
-    for (const Case& c : cases) {
-        OpenedStream s(buildMessage({.attachments = {{.props = {Prop::int32(kTagAttachMethod, c.method), c.name}}}}));
-        EXPECT_EQ(fetch(s, 1, c.name.tag).value, c.value);
-        EXPECT_EQ(fetch(s, 1, c.name.tag).value, c.value) << "the input is never cut";
-    }
-}
-
 TEST(PropertyAccess, FailuresLeaveNothing) {
     Bytes stream = buildMessage({.props = {Prop::string8(kTagSubject8, "subject")}});
     {
@@ -135,22 +112,6 @@ TEST(ObjectSettling, KindAndRangeOfAttachments) {
         OpenedStream s(buildMessage({.attachments = {c.attachment}}));
         EXPECT_EQ(objectAt(s.container, 1)->attachKind, c.kind) << c.what;
         EXPECT_EQ(objectAt(s.container, 1)->dataSize, c.size) << c.what;
-    }
-}
-
-TEST(ObjectSettling, CharsetOfTheFirstObject) {
-    struct Case {
-        std::optional<uint32_t> oem;
-        std::optional<int32_t> internet;
-        CharsetId charset;
-    };
-    const Case cases[] = {{1251, 1250, 6}, {437, 1250, 5}, {std::nullopt, 932, 1}, {std::nullopt, 437, 0}};
-    for (const Case& c : cases) {
-        MessageLayout m{.oemCodePage = c.oem, .props = {Prop::int32(0x00170003, 1)}};
-        if (c.internet) m.props.push_back(Prop::int32(kTagInternetCodepage, *c.internet));
-        OpenedStream s(buildMessage(m));
-        EXPECT_EQ(objectAt(s.container, 0)->charset, c.charset);
-        EXPECT_EQ(objectAt(s.container, 0)->declaredCharset, c.charset);
     }
 }
 
