@@ -11,7 +11,7 @@
 #include "host/posix_host.h"
 #include "rtf/converter.h"
 #include "rtf/host_code_pages.h"
-#include "tests/support/rtf_documents.h"
+#include "tests/support/lzfu_compressor.h"
 
 namespace {
 

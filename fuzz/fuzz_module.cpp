@@ -8,7 +8,7 @@
 #include <cstdint>
 
 #include "fuzz/fuzz_finding.h"
-#include "tests/support/session.h"
+#include "tests/support/reader_fixture.h"
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
     // Each container loads and unloads the OLE library; libFuzzer's coverage

@@ -10,9 +10,7 @@
 
 #include "tests/support/cfb_writer.h"
 #include "tests/support/lzfu_compressor.h"
-#include "tests/support/ole_descriptors.h"
 #include "tests/support/rich_streams.h"
-#include "tests/support/rtf_documents.h"
 
 namespace {
 

@@ -7,7 +7,6 @@
 
 #include "tests/support/cfb_writer.h"
 #include "tests/support/lzfu_compressor.h"
-#include "tests/support/ole_descriptors.h"
 #include "tests/support/tnef_writer.h"
 
 using namespace tneftest;

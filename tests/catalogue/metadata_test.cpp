@@ -25,17 +25,6 @@ Bytes queriedStream(bool withRecipients) {
     return buildMessage(plan);
 }
 
-void release(OpenedStream& s, MetadataResult& result, int32_t slots) {
-    for (int32_t i = 0; result.items != nullptr && i < slots; ++i) {
-        MetaElement* e = result.items[i];
-        if (e == nullptr) continue;
-        if (e->type != 3 && e->type != 1) s.results.release(reinterpret_cast<void*>(e->value));
-        s.results.release(e->name);
-        s.results.release(e);
-    }
-    s.results.release(result.items);
-}
-
 TEST(Metadata, DefaultSetOfTheMessage) {
     for (bool withRecipients : {false, true}) {
         OpenedStream s(queriedStream(withRecipients));
@@ -66,7 +55,7 @@ TEST(Metadata, DefaultSetOfTheMessage) {
                 EXPECT_EQ(result.items[i]->value, 0u) << i;
             }
         }
-        release(s, result, 7);
+        releaseMetadata(s.results, result, 7);
         EXPECT_EQ(s.results.liveBlocks(), 0u);
     }
 }
@@ -104,7 +93,7 @@ TEST(Metadata, EntryChecks) {
     EXPECT_EQ(tnefGetSubfileMetadata(s.container, 0, 0, nullptr, nullptr, &s.memory), 34);
     EXPECT_EQ(tnefGetSubfileMetadata(rooted.container, 1, 0, nullptr, &result, &rooted.memory), 0);
     EXPECT_EQ(result.count, 7) << "with the root entry, index 1 is the message";
-    release(rooted, result, 7);
+    releaseMetadata(rooted.results, result, 7);
 }
 
 TEST(Metadata, RequestsByTag) {
@@ -139,7 +128,7 @@ TEST(Metadata, RequestsByTag) {
             EXPECT_EQ(result.items[i]->tag, c.found[i]) << c.what;
             EXPECT_EQ(result.items[i]->name, nullptr) << c.what;
         }
-        release(s, result, static_cast<int32_t>(c.tags.size()));
+        releaseMetadata(s.results, result, static_cast<int32_t>(c.tags.size()));
         EXPECT_EQ(s.results.liveBlocks(), 0u) << c.what;
     }
 }

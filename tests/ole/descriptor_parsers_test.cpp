@@ -6,7 +6,7 @@
 #include <memory>
 
 #include "host/posix_host.h"
-#include "tests/support/ole_descriptors.h"
+#include "tests/support/cfb_writer.h"
 
 using namespace tneftest;
 

@@ -8,7 +8,6 @@
 
 #include "oleio/ole_interface.h"
 #include "tests/support/cfb_writer.h"
-#include "tests/support/ole_descriptors.h"
 #include "tests/support/reader_fixture.h"
 
 namespace tneftest {

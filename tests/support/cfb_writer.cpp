@@ -95,6 +95,14 @@ void writeEntry(uint8_t* p, const Bytes& name16, uint8_t type, uint32_t left, ui
     putAt(p + 0x78, size, 8);
 }
 
+
+void putText(Bytes& out, const std::string& text, bool terminated = true) {
+    out.insert(out.end(), text.begin(), text.end());
+    if (terminated) out.push_back(0);
+}
+
+int32_t here(const Bytes& out) { return static_cast<int32_t>(out.size()); }
+
 }  // namespace
 
 Bytes buildCfb(const std::vector<CfbEntryLayout>& entries, const CfbOptions& options) {
@@ -177,28 +185,27 @@ Bytes buildCfb(const std::vector<CfbEntryLayout>& entries, const CfbOptions& opt
     for (uint32_t k = 0; k < difatCount; ++k) difatNext.push_back(k + 1 < difatCount ? fatCount + k + 1 : kEnd);
     uint32_t difatStart = difatCount != 0 ? fatCount : kEnd;
 
+    const uint32_t outside = total + 1000;
     for (const CfbDamage& damage : options.damage) {
         switch (damage.chain) {
-            case CfbChain::kDirectory: breakChain(fat, directory, damage.kind, total + 1000); break;
-            case CfbChain::kMiniFat: breakChain(fat, miniFatChain, damage.kind, total + 1000); break;
-            case CfbChain::kMiniStream: breakChain(fat, container, damage.kind, total + 1000); break;
+            case CfbChain::kDirectory: breakChain(fat, directory, damage.kind, outside); break;
+            case CfbChain::kMiniFat: breakChain(fat, miniFatChain, damage.kind, outside); break;
+            case CfbChain::kMiniStream: breakChain(fat, container, damage.kind, outside); break;
             case CfbChain::kStream: {
                 auto it = std::find_if(items.begin(), items.end(),
                                        [&](const Item& i) { return i.plan->name == damage.stream; });
                 if (it == items.end()) throw std::invalid_argument("no such stream");
-                if (it->mini)
-                    breakChain(miniFat, it->chain, damage.kind, static_cast<uint32_t>(miniFat.size()) + 1000);
-                else
-                    breakChain(fat, it->chain, damage.kind, total + 1000);
+                if (it->mini) breakChain(miniFat, it->chain, damage.kind, static_cast<uint32_t>(miniFat.size()) + 1000);
+                else breakChain(fat, it->chain, damage.kind, outside);
                 break;
             }
             case CfbChain::kDifat:
                 if (difatCount == 0 || (damage.kind != CfbBreak::kOutOfFile && difatCount < 2))
                     throw std::invalid_argument("DIFAT too short for this damage");
-                if (damage.kind == CfbBreak::kOutOfFile && difatCount < 2) difatStart = total + 1000;
+                if (damage.kind == CfbBreak::kOutOfFile && difatCount < 2) difatStart = outside;
                 else difatNext[0] = damage.kind == CfbBreak::kLoop ? fatCount
                                   : damage.kind == CfbBreak::kEndEarly ? kEnd
-                                                                       : total + 1000;
+                                                                       : outside;
                 break;
         }
     }
@@ -254,23 +261,16 @@ Bytes buildCfb(const std::vector<CfbEntryLayout>& entries, const CfbOptions& opt
               [&](uint32_t a, uint32_t b) { return nameBefore(items[a - 1].name16, items[b - 1].name16); });
     uint32_t top = buildTree(items, ids, 0, ids.size());
     Bytes dir(size_t{directoryCount} * ss, 0);
-    for (size_t at = 0; at < dir.size(); at += 128) {
-        putAt(dir.data() + at + 0x44, kNoEntry, 4);
-        putAt(dir.data() + at + 0x48, kNoEntry, 4);
-        putAt(dir.data() + at + 0x4C, kNoEntry, 4);
-    }
+    // Unused entries too have no siblings and no child.
+    for (size_t at = 0; at < dir.size(); at += 128) std::memset(dir.data() + at + 0x44, 0xFF, 12);
     writeEntry(dir.data(), utf16("Root Entry"), 5, kNoEntry, kNoEntry, top, container.start,
                miniBytes.size());
     for (size_t i = 0; i < items.size(); ++i) {
         const Item& item = items[i];
-        uint8_t* p = dir.data() + (i + 1) * 128;
-        if (item.plan->storage) {
-            writeEntry(p, item.name16, 1, item.left, item.right, kNoEntry, 0, 0);
-            continue;
-        }
-        writeEntry(p, item.name16, 2, item.left, item.right, kNoEntry, item.chain.start,
-                   item.plan->sizeOverride.value_or(item.plan->data.size()));
-        if (!item.mini) fill(item.chain, item.plan->data.data(), item.plan->data.size());
+        const CfbEntryLayout& plan = *item.plan;
+        writeEntry(dir.data() + (i + 1) * 128, item.name16, plan.storage ? 1 : 2, item.left, item.right, kNoEntry,
+                   plan.storage ? 0 : item.chain.start, plan.storage ? 0 : plan.sizeOverride.value_or(plan.data.size()));
+        if (!item.mini) fill(item.chain, plan.data.data(), plan.data.size());
     }
     fill(directory, dir.data(), dir.size());
     return file;
@@ -288,6 +288,82 @@ Bytes patternBytes(size_t length, uint8_t seed) {
     Bytes out(length);
     for (size_t i = 0; i < length; ++i) out[i] = static_cast<uint8_t>((i + seed) % 251);
     return out;
+}
+
+Bytes compObjStream(const std::string& userType, bool terminated) {
+    Bytes out;
+    putLe32(out, 0xFFFE0001);     // byte order and version
+    putLe32(out, 0x00000A03);     // system version
+    putLe32(out, 0xFFFFFFFF);     // reserved
+    out.resize(out.size() + 16);  // class id
+    putLe32(out, static_cast<uint32_t>(userType.size() + 1));
+    putText(out, userType, terminated);
+    if (terminated) putLe32(out, 0);  // no clipboard format
+    return out;
+}
+
+Bytes ole10NativeBitmap(uint32_t size) {
+    Bytes out;
+    putLe32(out, size);
+    out.push_back('B');
+    out.push_back('M');
+    for (uint32_t i = 2; i < size; ++i) out.push_back(static_cast<uint8_t>(i * 7));
+    return out;
+}
+
+OlePackageBytes ole10NativePackage(const OlePackage& package) {
+    OlePackageBytes result{};
+    Bytes& out = result.bytes;
+    putLe32(out, 0);     // total size, patched below
+    putLe16(out, 0x02);  // package flags
+    putText(out, package.label);
+    result.labelEnd = here(out) - 1;
+    putText(out, package.sourcePath);
+    result.pathEnd = here(out) - 1;
+    putLe32(out, 0x00030000);  // the eight bytes in front of the temporary path
+    putLe32(out, static_cast<uint32_t>(package.tempPath.size() + 1));
+    putText(out, package.tempPath);
+    result.tempPathEnd = here(out) - 1;
+    putLe32(out, static_cast<uint32_t>(package.payload.size()));
+    result.payloadStart = here(out);
+    out.insert(out.end(), package.payload.begin(), package.payload.end());
+    uint32_t total = static_cast<uint32_t>(out.size() - 4);
+    for (int i = 0; i < 4; ++i) out[i] = static_cast<uint8_t>(total >> (8 * i));
+    return result;
+}
+
+Bytes attachDescStream(const std::string& name) {
+    Bytes out;
+    putLe32(out, 0x00000100);
+    out.push_back(0x0D);
+    putText(out, name, false);
+    out.push_back(0x0D);
+    putLe32(out, 0);
+    return out;
+}
+
+OleLinkBytes oleLinkStream(const OleLink& link) {
+    OleLinkBytes result{};
+    Bytes& out = result.bytes;
+    putLe32(out, 0x02000001);  // version
+    putLe32(out, 0x00000001);  // flags: a link
+    putLe32(out, 0);
+    putLe32(out, 0x00000303);  // the moniker's class id begins
+    out.resize(out.size() + 12);
+    putLe32(out, static_cast<uint32_t>(link.path.size() + 1));
+    putText(out, link.path);
+    putLe16(out, 0xFFFF);
+    out.push_back(0xAD);
+    out.push_back(0xDE);
+    result.markerEnd = here(out) - 1;
+    out.insert(out.end(), link.trailer.begin(), link.trailer.end());
+    return result;
+}
+
+Bytes oleObjectValue(const Bytes& storage, uint8_t idByte) {
+    Bytes value(16 + storage.size(), idByte);
+    std::copy(storage.begin(), storage.end(), value.begin() + 16);
+    return value;
 }
 
 }  // namespace tneftest

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <random>
 
 #include "render/rtf_prologue.h"
 
@@ -60,27 +59,8 @@ private:
     std::vector<uint32_t> previous_;
 };
 
-}  // namespace
-
-Bytes packLzfuItems(const std::vector<LzfuItem>& items) {
-    Bytes out;
-    for (size_t group = 0; group < items.size(); group += 8) {
-        size_t control = out.size();
-        out.push_back(0);
-        for (size_t i = group; i < std::min(group + 8, items.size()); ++i) {
-            const LzfuItem& item = items[i];
-            if (!item.reference) {
-                out.push_back(item.literal);
-                continue;
-            }
-            out[control] |= static_cast<uint8_t>(1u << (i - group));
-            out.push_back(static_cast<uint8_t>(item.position >> 4));
-            out.push_back(static_cast<uint8_t>(((item.position & 0x0F) << 4) | (item.length - 2)));
-        }
-    }
-    return out;
-}
-
+// Greedy longest-match parse of `raw`, ending with the end mark (a
+// reference to the write position).
 std::vector<LzfuItem> lzfuItemsFor(const Bytes& raw) {
     Bytes text(tnefRtfPrologue(), tnefRtfPrologue() + kRtfPrologueSize);
     text.insert(text.end(), raw.begin(), raw.end());
@@ -106,19 +86,36 @@ std::vector<LzfuItem> lzfuItemsFor(const Bytes& raw) {
     return items;
 }
 
-uint32_t lzfuCrc32(const uint8_t* data, size_t size) {
-    static const std::array<uint32_t, 256> table = [] {
-        std::array<uint32_t, 256> entries{};
-        for (uint32_t n = 0; n < 256; ++n) {
-            uint32_t c = n;
-            for (int k = 0; k < 8; ++k) c = (c & 1) ? 0xEDB88320u ^ (c >> 1) : c >> 1;
-            entries[n] = c;
-        }
-        return entries;
-    }();
+// CRC-32 of compressed RTF: reflected, polynomial 0xEDB88320, started at 0,
+// with no final inversion.
+uint32_t lzfuCrc32(const Bytes& data) {
     uint32_t crc = 0;
-    for (size_t i = 0; i < size; ++i) crc = table[(crc ^ data[i]) & 0xFF] ^ (crc >> 8);
+    for (uint8_t byte : data) {
+        crc ^= byte;
+        for (int k = 0; k < 8; ++k) crc = (crc & 1) ? 0xEDB88320u ^ (crc >> 1) : crc >> 1;
+    }
     return crc;
+}
+
+}  // namespace
+
+Bytes packLzfuItems(const std::vector<LzfuItem>& items) {
+    Bytes out;
+    for (size_t group = 0; group < items.size(); group += 8) {
+        size_t control = out.size();
+        out.push_back(0);
+        for (size_t i = group; i < std::min(group + 8, items.size()); ++i) {
+            const LzfuItem& item = items[i];
+            if (!item.reference) {
+                out.push_back(item.literal);
+                continue;
+            }
+            out[control] |= static_cast<uint8_t>(1u << (i - group));
+            out.push_back(static_cast<uint8_t>(item.position >> 4));
+            out.push_back(static_cast<uint8_t>(((item.position & 0x0F) << 4) | (item.length - 2)));
+        }
+    }
+    return out;
 }
 
 Bytes lzfuValue(const Bytes& payload, uint32_t rawSize, uint32_t type) {
@@ -126,8 +123,7 @@ Bytes lzfuValue(const Bytes& payload, uint32_t rawSize, uint32_t type) {
     putLe32(out, static_cast<uint32_t>(payload.size() + 12));
     putLe32(out, rawSize);
     putLe32(out, type);
-    // The CRC covers a compressed payload only; a stored one has zero there.
-    putLe32(out, type == kLzfuTypeCompressed ? lzfuCrc32(payload.data(), payload.size()) : 0);
+    putLe32(out, type == kLzfuTypeCompressed ? lzfuCrc32(payload) : 0);
     out.insert(out.end(), payload.begin(), payload.end());
     return out;
 }
@@ -139,27 +135,6 @@ Bytes compressRtf(const Bytes& raw) {
 
 Bytes storeRtfUncompressed(const Bytes& raw) {
     return lzfuValue(raw, static_cast<uint32_t>(raw.size()), kLzfuTypeStored);
-}
-
-Bytes sampleRtfText(uint32_t seed, size_t size) {
-    static const char* const pieces[] = {"\\par ",  "{\\b ",          "}",      "\\pard\\plain\\f0\\fs20 ",
-                                         "hello ", "world ",         "\\'e9",  "\r\n",
-                                         "\\tab ", "Times New Roman;"};
-    constexpr uint32_t kPieces = sizeof pieces / sizeof pieces[0];
-    std::mt19937 random(seed);
-    Bytes out;
-    while (out.size() < size) {
-        uint32_t pick = random() % (kPieces + 2);
-        if (pick == kPieces) {
-            out.insert(out.end(), random() % 200 + 1, static_cast<uint8_t>('-' + random() % 40));
-        } else if (pick == kPieces + 1) {
-            for (int i = random() % 9; i >= 0; --i) out.push_back(static_cast<uint8_t>('a' + random() % 26));
-        } else {
-            for (const char* p = pieces[pick]; *p != 0; ++p) out.push_back(static_cast<uint8_t>(*p));
-        }
-    }
-    out.resize(size);
-    return out;
 }
 
 }  // namespace tneftest

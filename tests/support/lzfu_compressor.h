@@ -1,9 +1,12 @@
 // A compressed-RTF ("LZFu") compressor for tests and samples, the uncompressed
 // "MELA" wrapping, and the pieces they are made of, so that a test can also
-// lay down exactly the items it wants.
+// lay down exactly the items it wants; and the RTF text they compress
+// (rtf_documents.cpp).
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "tests/support/tnef_writer.h"
@@ -24,21 +27,12 @@ struct LzfuItem {
     }
 };
 
-// Packs items into groups of a control byte and up to eight items. A last
-// partial group keeps its control byte with the unused bits clear.
+// Groups of a control byte and up to eight items; a last partial group keeps
+// its control byte with the unused bits clear.
 Bytes packLzfuItems(const std::vector<LzfuItem>& items);
 
-// Greedy longest-match parse of `raw` against the dictionary that starts with
-// the 207-byte prologue, ending with the end mark (a reference to the write
-// position).
-std::vector<LzfuItem> lzfuItemsFor(const Bytes& raw);
-
-// CRC-32 of compressed RTF: the reflected table of polynomial 0xEDB88320,
-// started at 0, with no final inversion.
-uint32_t lzfuCrc32(const uint8_t* data, size_t size);
-
-// A whole stored value: the 16-byte header (compressed size = payload + 12,
-// raw size, type, CRC of the payload), then the payload.
+// The 16-byte header (compressed size = payload + 12, raw size, type, CRC of
+// a compressed payload, else 0), then the payload.
 Bytes lzfuValue(const Bytes& payload, uint32_t rawSize, uint32_t type);
 
 enum : uint32_t {
@@ -46,14 +40,21 @@ enum : uint32_t {
     kLzfuTypeStored = 0x414C454D,      // "MELA"
 };
 
-// `raw` compressed into a complete "LZFu" value.
+// `raw` as a whole "LZFu" value (a greedy longest-match parse against the
+// dictionary that starts with the prologue), or stored as a "MELA" value.
 Bytes compressRtf(const Bytes& raw);
-// `raw` wrapped as an uncompressed "MELA" value.
 Bytes storeRtfUncompressed(const Bytes& raw);
 
 // Text in the manner of RTF, the same for the same seed: control words,
 // words, line breaks, and runs of one character that compress into
 // overlapping references.
 Bytes sampleRtfText(uint32_t seed, size_t size);
+
+// RTF documents of about `size` bytes (the closing groups after it), as mail
+// clients write them, for the benchmarks and the fuzz seeds: HTML
+// encapsulated the way Outlook does it, text-heavy native RTF, and native RTF
+// thick with formatting and tables.
+enum class RtfKind { kHtmlEncapsulated, kTextHeavy, kFormatHeavy };
+std::string rtfDocument(RtfKind kind, size_t size);
 
 }  // namespace tneftest

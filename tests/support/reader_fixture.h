@@ -1,5 +1,6 @@
-// Opening streams made by the writer through the real host, and checking
-// that nothing is left allocated when they are closed.
+// Running streams made by the writer through the real host: one open
+// container, one extraction, or a whole session with an injected fault; and
+// checking that nothing is left allocated at the end.
 #pragma once
 
 #include <memory>
@@ -13,14 +14,14 @@
 
 namespace tneftest {
 
-// One open container over an in-memory stream.
+// One open container over an in-memory stream. The host looks for the OLE
+// storage library in the build folder.
 class OpenedStream {
 public:
     explicit OpenedStream(const Bytes& stream, uint32_t flags = 0);
-    // The host looks for the OLE storage library in the build folder.
     ~OpenedStream();
 
-    // Fault injection must be set up before open: build with deferOpen, set
+    // Fault injection must be set up before open: build with Deferred, set
     // the faults on host.memory() or input, then call open().
     struct Deferred {};
     OpenedStream(const Bytes& stream, uint32_t flags, Deferred);
@@ -42,7 +43,6 @@ private:
     bool closed_ = false;
 };
 
-// What one extraction gave.
 struct Extraction {
     int32_t status = -1;
     Bytes bytes;             // what the output holds
@@ -61,8 +61,46 @@ struct Extraction {
 Extraction extractSubfile(OpenedStream& stream, int32_t index, uint32_t flags = 0,
                           CharsetId wanted = 0);
 
-// The object at a place of the container's list, or null.
+// Releases a metadata answer's first `slots` elements (null places skipped),
+// their names and pointer values, and the list.
+void releaseMetadata(tnefhost::HostMemory& results, MetadataResult& result, int32_t slots);
+
 TnefObject* objectAt(TnefContainer* container, int32_t place);
+
+struct SessionFaults {
+    uint64_t refuseHostRequest = 0;    // n-th request to the module's allocator
+    uint64_t refuseResultRequest = 0;  // n-th request to the host's result memory
+    uint64_t failIoCall = 0;           // n-th call of any I/O object: input, outputs, scratch
+    // Refuse every request above this many bytes, of either memory, as a
+    // host with a strict allocator would; 0 refuses none.
+    size_t refuseAbove = 0;
+};
+
+struct SessionReport {
+    uint64_t hostRequests = 0;
+    uint64_t resultRequests = 0;
+    uint64_t ioCalls = 0;
+    uint64_t extractions = 0;
+    // Output of each subfile extracted with flags 0 and no charset wanted.
+    std::vector<Bytes> plainOutputs;
+    std::vector<std::string> problems;
+};
+
+// One whole session over one stream: open with and without the root entry,
+// container info, every subfile's info and metadata, every extraction in
+// every form, close. The report notes each status the module gives that the
+// operation may not give, and whatever is left allocated at the end.
+SessionReport runSession(const Bytes& stream, const SessionFaults& faults = {});
+
+// The dynamic symbols a built shared library defines and those it imports
+// (without version suffixes), read with nm; both empty when nm fails.
+struct LibrarySymbols {
+    std::vector<std::string> defined;
+    std::vector<std::string> imported;
+};
+LibrarySymbols librarySymbols(const std::string& path);
+// The allocator functions among `imported`: malloc and its kin, operator new and delete.
+std::vector<std::string> heapFunctions(const std::vector<std::string>& imported);
 
 // Where the real-world samples are: $TNEF_CORPUS, else the shared folder
 // beside the repository; empty when neither exists.

@@ -2,7 +2,6 @@
 
 #include "tests/support/cfb_writer.h"
 #include "tests/support/lzfu_compressor.h"
-#include "tests/support/ole_descriptors.h"
 
 namespace tneftest {
 
@@ -20,14 +19,26 @@ std::vector<std::vector<Prop>> recipientRows(bool wide) {
              Prop::int32(kTagRecipientType, 2)}};
 }
 
+// 8-bit strings with a message code page, an HTML body beside the RTF one.
+Bytes htmlMessage() {
+    return buildMessage(
+        {.messageClass = "IPM.Note",
+         .props = {Prop::string8(kTagSubject8, "<Offer> & \"more\""),
+                   Prop::string8(kTagSenderName8, "Sales"), Prop::string8(kTagSenderEmail8, "s@example.com"),
+                   Prop::int32(kTagMessageCodepage, 1252), Prop::int32(kTagInternetCodepage, 65001),
+                   Prop::binary(kTagHtml, bytesOf("<html><body><p>Hello</p></body></html>")),
+                   Prop::binary(kTagRtfCompressed, compressRtf(sampleRtfText(4, 300)))},
+         .recipients = recipientRows(false),
+         .attachments = {{.title = "a.bin", .data = patternBytes(9000, 1),
+                          .props = {Prop::int32(kTagAttachMethod, 1)}}}});
+}
+
 }  // namespace
 
 Bytes packagePayload() {
     return patternBytes(700, 5);
 }
 
-// 16-bit strings, a compressed RTF body, a plain body, attachments of both
-// kinds of data.
 Bytes wideRtfMessage() {
     return buildMessage(
         {.oemCodePage = 1252,
@@ -48,21 +59,6 @@ Bytes wideRtfMessage() {
                                     Prop::binary(kTagAttachDataBinary, patternBytes(5000))}}}});
 }
 
-// 8-bit strings with a message code page, an HTML body beside the RTF one.
-Bytes htmlMessage() {
-    return buildMessage(
-        {.messageClass = "IPM.Note",
-         .props = {Prop::string8(kTagSubject8, "<Offer> & \"more\""),
-                   Prop::string8(kTagSenderName8, "Sales"), Prop::string8(kTagSenderEmail8, "s@example.com"),
-                   Prop::int32(kTagMessageCodepage, 1252), Prop::int32(kTagInternetCodepage, 65001),
-                   Prop::binary(kTagHtml, bytesOf("<html><body><p>Hello</p></body></html>")),
-                   Prop::binary(kTagRtfCompressed, compressRtf(sampleRtfText(4, 300)))},
-         .recipients = recipientRows(false),
-         .attachments = {{.title = "a.bin", .data = patternBytes(9000, 1),
-                          .props = {Prop::int32(kTagAttachMethod, 1)}}}});
-}
-
-// An OLE package beside a linked object and a plain attachment.
 Bytes oleMessage() {
     OlePackage package;
     package.payload = packagePayload();

@@ -13,9 +13,6 @@ namespace tneftest {
 // Subfiles: the message, then the two attachments (the second holds
 // patternBytes(5000)).
 Bytes wideRtfMessage();
-// 8-bit strings, message and internet code pages, HTML and RTF bodies,
-// 8-bit recipient table, one attachment.
-Bytes htmlMessage();
 // Subfiles: the message, an OLE package holding packagePayload(), a linked
 // OLE object, a plain attachment holding "plain".
 Bytes oleMessage();

@@ -1,6 +1,6 @@
-#include "tests/support/rtf_documents.h"
+#include "tests/support/lzfu_compressor.h"
 
-#include <cstdint>
+#include <random>
 
 namespace tneftest {
 
@@ -104,6 +104,27 @@ std::string rtfDocument(RtfKind kind, size_t size) {
         case RtfKind::kFormatHeavy: return formatHeavy(size);
     }
     return {};
+}
+
+Bytes sampleRtfText(uint32_t seed, size_t size) {
+    static const char* const pieces[] = {"\\par ",  "{\\b ",          "}",      "\\pard\\plain\\f0\\fs20 ",
+                                         "hello ", "world ",         "\\'e9",  "\r\n",
+                                         "\\tab ", "Times New Roman;"};
+    constexpr uint32_t kPieces = sizeof pieces / sizeof pieces[0];
+    std::mt19937 random(seed);
+    Bytes out;
+    while (out.size() < size) {
+        uint32_t pick = random() % (kPieces + 2);
+        if (pick == kPieces) {
+            out.insert(out.end(), random() % 200 + 1, static_cast<uint8_t>('-' + random() % 40));
+        } else if (pick == kPieces + 1) {
+            for (int i = random() % 9; i >= 0; --i) out.push_back(static_cast<uint8_t>('a' + random() % 26));
+        } else {
+            for (const char* p = pieces[pick]; *p != 0; ++p) out.push_back(static_cast<uint8_t>(*p));
+        }
+    }
+    out.resize(size);
+    return out;
 }
 
 }  // namespace tneftest

@@ -19,15 +19,45 @@ enum : uint16_t {
     kRecOemCodePage = 0x9007,
 };
 
+// Types whose values carry a 4-byte length and are padded to 4 bytes.
 bool isCounted(uint32_t type) {
     return type == 0 || type == 13 || type == 30 || type == 31 || type == 258;
 }
 
-void pad(Bytes& out, size_t length) {
-    while (length % 4 != 0) {
-        out.push_back(0);
-        ++length;
-    }
+void append(Bytes& out, const Bytes& more) {
+    out.insert(out.end(), more.begin(), more.end());
+}
+
+// `data`, then zero bytes up to a multiple of 4.
+void appendPadded(Bytes& out, const Bytes& data) {
+    append(out, data);
+    out.resize(out.size() + (4 - data.size() % 4) % 4, 0);
+}
+
+Bytes le32(uint32_t value) {
+    Bytes out;
+    putLe32(out, value);
+    return out;
+}
+
+Bytes cString(const std::string& text) {
+    Bytes out = bytesOf(text);
+    out.push_back(0);
+    return out;
+}
+
+uint16_t checksumOf(const Bytes& data) {
+    uint32_t sum = 0;
+    for (uint8_t b : data) sum += b;
+    return static_cast<uint16_t>(sum);
+}
+
+// A count, then the blocks.
+template <typename Item, typename Write>
+Bytes counted(const std::vector<Item>& items, std::optional<int32_t> count, Write write) {
+    Bytes out = le32(static_cast<uint32_t>(count.value_or(static_cast<int32_t>(items.size()))));
+    for (const Item& item : items) append(out, write(item));
+    return out;
 }
 
 }  // namespace
@@ -42,7 +72,8 @@ void putLe32(Bytes& out, uint32_t value) {
 }
 
 void putLe64(Bytes& out, uint64_t value) {
-    for (int i = 0; i < 8; ++i) out.push_back(static_cast<uint8_t>(value >> (8 * i)));
+    putLe32(out, static_cast<uint32_t>(value));
+    putLe32(out, static_cast<uint32_t>(value >> 32));
 }
 
 Bytes bytesOf(const std::string& text) {
@@ -52,30 +83,16 @@ Bytes bytesOf(const std::string& text) {
 Bytes utf16(const std::string& text) {
     Bytes out;
     for (size_t i = 0; i < text.size();) {
-        auto c = static_cast<uint8_t>(text[i]);
-        uint32_t code = c;
-        size_t extra = 0;
-        if (c >= 0xF0) {
-            code = c & 0x07;
-            extra = 3;
-        } else if (c >= 0xE0) {
-            code = c & 0x0F;
-            extra = 2;
-        } else if (c >= 0xC0) {
-            code = c & 0x1F;
-            extra = 1;
-        }
-        for (size_t k = 1; k <= extra && i + k < text.size(); ++k) {
-            code = (code << 6) | (static_cast<uint8_t>(text[i + k]) & 0x3F);
-        }
+        auto lead = static_cast<uint8_t>(text[i]);
+        size_t extra = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : lead >= 0xC0 ? 1 : 0;
+        uint32_t code = extra == 0 ? lead : lead & (0x3F >> extra);
+        for (size_t k = 1; k <= extra && i + k < text.size(); ++k) code = (code << 6) | (text[i + k] & 0x3F);
         i += 1 + extra;
         if (code > 0xFFFF) {
-            code -= 0x10000;
-            putLe16(out, 0xD800 + (code >> 10));
-            putLe16(out, 0xDC00 + (code & 0x3FF));
-        } else {
-            putLe16(out, code);
+            putLe16(out, 0xD800 + ((code - 0x10000) >> 10));
+            code = 0xDC00 + (code & 0x3FF);
         }
+        putLe16(out, code);
     }
     return out;
 }
@@ -87,16 +104,8 @@ Bytes randomBytes(size_t size, uint32_t seed) {
     return bytes;
 }
 
-uint16_t checksumOf(const Bytes& data) {
-    uint32_t sum = 0;
-    for (uint8_t b : data) sum += b;
-    return static_cast<uint16_t>(sum & 0xFFFF);
-}
-
 Prop Prop::int32(uint32_t tag, int32_t value) {
-    Bytes b;
-    putLe32(b, static_cast<uint32_t>(value));
-    return raw(tag, {b});
+    return raw(tag, {le32(static_cast<uint32_t>(value))});
 }
 
 Prop Prop::int64(uint32_t tag, uint64_t value) {
@@ -110,17 +119,12 @@ Prop Prop::time(uint32_t tag, uint64_t filetime) {
 }
 
 Prop Prop::string8(uint32_t tag, const std::string& text, bool terminator) {
-    Bytes b = bytesOf(text);
-    if (terminator) b.push_back(0);
-    return raw(tag, {b});
+    return raw(tag, {terminator ? cString(text) : bytesOf(text)});
 }
 
 Prop Prop::unicode(uint32_t tag, const std::string& text, bool terminator) {
     Bytes b = utf16(text);
-    if (terminator) {
-        b.push_back(0);
-        b.push_back(0);
-    }
+    if (terminator) b.insert(b.end(), 2, 0);
     return raw(tag, {b});
 }
 
@@ -148,60 +152,41 @@ Prop Prop::namedString(Prop prop, const Bytes& name) {
 }
 
 Bytes propertyBytes(const Prop& prop) {
-    Bytes out;
-    putLe32(out, prop.tag);
-    uint32_t id = prop.tag >> 16;
-    uint32_t type = prop.tag & 0xFFFF;
-    bool multi = (type & 0x1000) != 0;
-    type &= ~0x1000u;
+    Bytes out = le32(prop.tag);
+    const uint32_t id = prop.tag >> 16;
+    const bool multi = (prop.tag & 0x1000) != 0;
+    const uint32_t type = prop.tag & 0xEFFF;
     if (id >= 0x8000 && id <= 0xFFFE) {
-        out.insert(out.end(), prop.guid.begin(), prop.guid.end());
+        append(out, prop.guid);
         putLe32(out, prop.nameKind);
         if (prop.nameKind == 0) {
             putLe32(out, prop.numericName);
         } else {
             putLe32(out, prop.nameLengthOverride.value_or(static_cast<uint32_t>(prop.stringName.size())));
-            out.insert(out.end(), prop.stringName.begin(), prop.stringName.end());
-            pad(out, prop.stringName.size());
+            appendPadded(out, prop.stringName);
         }
     }
-    bool counted = multi || type == 13 || type == 30 || type == 31 || type == 258;
-    if (prop.writeCount.value_or(counted)) {
+    if (prop.writeCount.value_or(multi || (type != 0 && isCounted(type)))) {
         putLe32(out, static_cast<uint32_t>(prop.valueCount.value_or(static_cast<int32_t>(prop.values.size()))));
     }
-    bool first = true;
-    for (const Bytes& value : prop.values) {
-        if (isCounted(type)) {
-            uint32_t length = static_cast<uint32_t>(value.size());
-            putLe32(out, first && prop.lengthOverride ? *prop.lengthOverride : length);
-            out.insert(out.end(), value.begin(), value.end());
-            pad(out, value.size());
-        } else {
-            out.insert(out.end(), value.begin(), value.end());
+    for (size_t i = 0; i < prop.values.size(); ++i) {
+        const Bytes& value = prop.values[i];
+        if (!isCounted(type)) {
+            append(out, value);
+            continue;
         }
-        first = false;
+        putLe32(out, i == 0 && prop.lengthOverride ? *prop.lengthOverride : static_cast<uint32_t>(value.size()));
+        appendPadded(out, value);
     }
     return out;
 }
 
 Bytes propertyBlock(const std::vector<Prop>& props, std::optional<int32_t> count) {
-    Bytes out;
-    putLe32(out, static_cast<uint32_t>(count.value_or(static_cast<int32_t>(props.size()))));
-    for (const Prop& prop : props) {
-        Bytes p = propertyBytes(prop);
-        out.insert(out.end(), p.begin(), p.end());
-    }
-    return out;
+    return counted(props, count, propertyBytes);
 }
 
 Bytes recipientTable(const std::vector<std::vector<Prop>>& rows, std::optional<int32_t> rowCount) {
-    Bytes out;
-    putLe32(out, static_cast<uint32_t>(rowCount.value_or(static_cast<int32_t>(rows.size()))));
-    for (const auto& row : rows) {
-        Bytes block = propertyBlock(row);
-        out.insert(out.end(), block.begin(), block.end());
-    }
-    return out;
+    return counted(rows, rowCount, [](const std::vector<Prop>& row) { return propertyBlock(row); });
 }
 
 TnefWriter::TnefWriter(uint32_t signature, uint16_t key) {
@@ -215,33 +200,28 @@ TnefWriter& TnefWriter::record(uint8_t level, uint16_t id, const Bytes& data, Re
     putLe16(bytes_, options.type);
     putLe32(bytes_, options.length.value_or(static_cast<uint32_t>(data.size())));
     lastData_ = position();
-    bytes_.insert(bytes_.end(), data.begin(), data.end());
+    append(bytes_, data);
     if (options.writeChecksum) putLe16(bytes_, options.checksum.value_or(checksumOf(data)));
     return *this;
 }
 
 TnefWriter& TnefWriter::raw(const Bytes& bytes) {
-    bytes_.insert(bytes_.end(), bytes.begin(), bytes.end());
+    append(bytes_, bytes);
     return *this;
 }
 
 TnefWriter& TnefWriter::version() {
-    Bytes v;
-    putLe32(v, 0x00010000);
-    return record(kLevelMessage, kRecVersion, v);
+    return record(kLevelMessage, kRecVersion, le32(0x00010000));
 }
 
 TnefWriter& TnefWriter::oemCodePage(uint32_t codePage) {
-    Bytes v;
-    putLe32(v, codePage);
+    Bytes v = le32(codePage);
     putLe32(v, 0);
     return record(kLevelMessage, kRecOemCodePage, v);
 }
 
 TnefWriter& TnefWriter::messageClass(const std::string& text) {
-    Bytes v = bytesOf(text);
-    v.push_back(0);
-    return record(kLevelMessage, kRecMessageClass, v);
+    return record(kLevelMessage, kRecMessageClass, cString(text));
 }
 
 TnefWriter& TnefWriter::body(const std::string& text) {
@@ -263,9 +243,7 @@ TnefWriter& TnefWriter::attachRendData() {
 }
 
 TnefWriter& TnefWriter::attachTitle(const std::string& title) {
-    Bytes v = bytesOf(title);
-    v.push_back(0);
-    return record(kLevelAttachment, kRecAttachTitle, v);
+    return record(kLevelAttachment, kRecAttachTitle, cString(title));
 }
 
 TnefWriter& TnefWriter::attachData(const Bytes& data) {
@@ -306,7 +284,7 @@ AttachmentLayout embeddedMessage(const std::string& title, const Bytes& inner) {
     // IID_IMessage, {00020307-0000-0000-C000-000000000046}, as stored.
     Bytes value = {0x07, 0x03, 0x02, 0x00, 0x00, 0x00, 0x00, 0x00,
                    0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46};
-    value.insert(value.end(), inner.begin(), inner.end());
+    append(value, inner);
     AttachmentLayout attachment;
     attachment.title = title;
     attachment.props = {Prop::int32(kTagAttachMethod, 5), Prop::raw(kTagAttachDataObject, {value})};

@@ -16,9 +16,8 @@ void putLe16(Bytes& out, uint32_t value);
 void putLe32(Bytes& out, uint32_t value);
 void putLe64(Bytes& out, uint64_t value);
 Bytes bytesOf(const std::string& text);
-// UTF-16LE of an ASCII/UTF-8 text (code points up to U+FFFF).
+// UTF-16LE of a UTF-8 text; code points above U+FFFF become surrogate pairs.
 Bytes utf16(const std::string& text);
-uint16_t checksumOf(const Bytes& data);
 // `size` bytes of noise, the same for the same seed.
 Bytes randomBytes(size_t size, uint32_t seed);
 
@@ -52,9 +51,8 @@ struct Prop {
     static Prop namedString(Prop prop, const Bytes& name);
 };
 
-// Bytes of a property block: count, then properties.
+// A property block: count, then properties; propertyBytes is one of them alone.
 Bytes propertyBlock(const std::vector<Prop>& props, std::optional<int32_t> count = std::nullopt);
-// One property alone, as it stands inside a block.
 Bytes propertyBytes(const Prop& prop);
 
 // A recipient table: row count, then per row a property count and properties.
@@ -80,7 +78,6 @@ public:
     }
     TnefWriter& raw(const Bytes& bytes);
 
-    // Common records.
     TnefWriter& version();
     TnefWriter& oemCodePage(uint32_t codePage);
     TnefWriter& messageClass(const std::string& text);
@@ -92,9 +89,8 @@ public:
     TnefWriter& attachData(const Bytes& data);
     TnefWriter& attachmentProps(const std::vector<Prop>& props);
 
-    // Position of the next byte to be written.
     int64_t position() const { return static_cast<int64_t>(bytes_.size()); }
-    // Position of the data of the last record written.
+    // Where the data of the last record written begins.
     int64_t lastDataPosition() const { return lastData_; }
     const Bytes& bytes() const { return bytes_; }
 
@@ -120,7 +116,7 @@ struct MessageLayout {
 };
 
 Bytes buildMessage(const MessageLayout& plan);
-// A message with an 8-bit subject, a text body and these attachments.
+// An 8-bit subject, a text body and these attachments.
 Bytes noteMessage(const std::string& subject, const std::string& body,
                   std::vector<AttachmentLayout> attachments);
 

@@ -9,7 +9,6 @@
 #include "tests/support/cfb_writer.h"
 #include "tests/support/reader_fixture.h"
 #include "tests/support/rich_streams.h"
-#include "tests/support/session.h"
 
 namespace tneftest {
 namespace {

@@ -16,7 +16,7 @@
 #include <fstream>
 #include <string>
 
-#include "tests/support/ole_descriptors.h"
+#include "tests/support/cfb_writer.h"
 #include "tests/support/tnef_writer.h"
 
 using namespace tneftest;
