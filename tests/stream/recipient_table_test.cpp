@@ -2,6 +2,7 @@
 // allocations and failed reads of the table are swept in tests/sweeps).
 #include <gtest/gtest.h>
 
+#include "stream/property_access.h"
 #include "stream/recipient_table.h"
 #include "tests/support/reader_fixture.h"
 
@@ -138,6 +139,17 @@ TEST(RecipientTable, DamagedTablesEndCleanly) {
             EXPECT_EQ(s.close(), "") << cut;
         }
     }
+    // Built again with the trace lines on: they change nothing.
+    OpenedStream traced(whole);
+    HostAllocator* allocator = &traced.host.context()->allocator;
+    for (int i = 2; i <= 4; ++i) {
+        tnefFreeElement(allocator, traced.container->summary[i]);
+        traced.container->summary[i] = nullptr;
+    }
+    traced.container->traceEnabled = 1;
+    EXPECT_EQ(tnefBuildRecipientLists(traced.container, allocator, objectAt(traced.container, 0)), kTnefOk);
+    EXPECT_EQ(lists(traced), lists(OpenedStream(whole)));
+    EXPECT_EQ(traced.close(), "");
 }
 
 }  // namespace
