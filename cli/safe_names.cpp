@@ -29,6 +29,14 @@ uint32_t decode(std::string_view s, size_t at, size_t length) {
     }
 }
 
+// True when a sequence of `length` bytes that decodes to `cp` is UTF-8:
+// not an overlong form, not a surrogate, not past U+10FFFF.
+bool wellFormed(uint32_t cp, size_t length) {
+    constexpr uint32_t kSmallest[] = {0, 0, 0x80, 0x800, 0x10000};
+    if (length == 1) return cp < 0x80;
+    return cp >= kSmallest[length] && cp <= 0x10FFFF && (cp < 0xD800 || cp > 0xDFFF);
+}
+
 bool forbiddenCodePoint(uint32_t cp) {
     if (cp < 0x20 || cp == 0x7F || (cp >= 0x80 && cp <= 0x9F)) return true;  // controls
     if ((cp >= 0x202A && cp <= 0x202E) || (cp >= 0x2066 && cp <= 0x2069)) return true;  // bidi
@@ -51,12 +59,13 @@ std::string replaceForbidden(std::string_view name) {
         for (size_t k = 1; whole && k < length; ++k) {
             whole = (static_cast<uint8_t>(name[i + k]) & 0xC0) == 0x80;
         }
-        if (!whole || (length == 1 && static_cast<uint8_t>(name[i]) >= 0x80)) {
+        const uint32_t cp = whole ? decode(name, i, length) : 0;
+        if (!whole || !wellFormed(cp, length)) {
             out += '_';
             ++i;
             continue;
         }
-        if (forbiddenCodePoint(decode(name, i, length))) {
+        if (forbiddenCodePoint(cp)) {
             out += '_';
         } else {
             out.append(name.substr(i, length));

@@ -60,7 +60,7 @@ TEST(CliExitCodes, EachKindOfInputEndsWithItsCode) {
     }
     // Both streams into one pipe: the report's last line ends before the warning.
     ToolRun merged = runTool({"props", bad}, "", true);
-    EXPECT_NE(merged.out.find("Priority: -\ntnef-reader: "), std::string::npos) << merged.out;
+    EXPECT_NE(merged.out.find("Subject:  -\nPriority: -\ntnef-reader: "), std::string::npos) << merged.out;
 }
 
 TEST(CliJson, ListAndPropsHaveTheirShapes) {
@@ -166,12 +166,15 @@ TEST(CliBatch, ProcessesFilesAndFoldersAndReportsEachFile) {
     writeFile(dir.path() / "in/a.tnef", sampleStream());
     writeFile(dir.path() / "in/sub/a.tnef", sampleStream());
     writeFile(dir.path() / "in/sub/junk.bin", bytesOf("not TNEF"));
+    // A file name that is not UTF-8: an overlong form, a surrogate, past U+10FFFF, lead byte F5.
+    writeFile(dir.path() / "in/sub/o\xF0\x8F\xBF\x80 s\xED\xA0\x80 m\xF4\x90\x80\x80 f\xF5\x80\x80\x80.tnef",
+              sampleStream());
     ToolRun run = runTool({"batch", dir / "in", "-C", dir / "out", "--jobs", "2", "--json"});
     EXPECT_EQ(run.exitCode, 3) << run.err;
     EXPECT_EQ(run.err, "");  // no progress bar when stderr is not a terminal
     Json report = run.json();
-    ASSERT_EQ(report["files"].size(), 3u);
-    EXPECT_EQ(report["counts"], (Json{{"files", 3}, {"ok", 2}, {"partial", 0}, {"failed", 1}}));
+    ASSERT_EQ(report["files"].size(), 4u);
+    EXPECT_EQ(report["counts"], (Json{{"files", 4}, {"ok", 3}, {"partial", 0}, {"failed", 1}}));
     EXPECT_EQ(report["files"][0]["file"], dir / "in/a.tnef");
     EXPECT_EQ(report["files"][0]["outcome"], "ok");
     EXPECT_EQ(report["files"][0]["folder"], dir / "out/a.tnef");
@@ -179,10 +182,11 @@ TEST(CliBatch, ProcessesFilesAndFoldersAndReportsEachFile) {
     EXPECT_EQ(report["files"][2]["outcome"], "failed");
     EXPECT_EQ(report["files"][2]["error"], "not a TNEF stream");
     EXPECT_TRUE(fs::exists(dir.path() / "out/a (1).tnef/report.pdf"));
+    EXPECT_TRUE(fs::exists(dir.path() / "out/o____ s___ m____ f____.tnef/report.pdf"));
 
     ToolRun good = runTool({"batch", dir / "in/a.tnef", "-C", dir / "out2"});
     EXPECT_EQ(good.exitCode, 0) << good.err;
-    EXPECT_NE(good.out.find("1 files: 1 ok, 0 partial, 0 failed"), std::string::npos) << good.out;
+    EXPECT_NE(good.out.find("1 files: 1 ok, 0 partial, 0 failed\n"), std::string::npos) << good.out;
 }
 
 }  // namespace

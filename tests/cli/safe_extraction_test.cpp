@@ -37,6 +37,7 @@ const std::vector<Hostile>& hostileNames() {
         {"SAME.txt", "SAME (2).txt"},
         {std::string(300, 'x') + ".pdf", std::string(196, 'x') + ".pdf"},
         {"invoice\xE2\x80\xAE" "fdp.exe", "invoice_fdp.exe"},  // a right-to-left override
+        {"lre\xE2\x80\xAAx \xF0\x9F\x98\x80", "lre_x \xF0\x9F\x98\x80"},  // first bidi control; U+1F600
     };
     return names;
 }
