@@ -36,12 +36,14 @@ struct Listed {
     std::vector<int32_t> children;
     CharsetId charset;
     uint64_t time;
+    int32_t rootMark = -1;  // left alone except on the root entry
 };
 
 Listed list(OpenedStream& s, int32_t index) {
     SubfileInfo info{};
     info.charset = -1;
     info.childCount = -1;
+    info.rootMark = -1;
     Listed out{};
     out.status = tnefGetSubfileInfo(s.container, index, &info, &s.memory);
     if (info.name != nullptr) out.name = info.name;
@@ -51,6 +53,7 @@ Listed list(OpenedStream& s, int32_t index) {
     if (info.children != nullptr) out.children.assign(info.children, info.children + info.childCount);
     out.charset = info.charset;
     std::memcpy(&out.time, info.time, 8);
+    out.rootMark = info.rootMark;
     s.results.release(info.name);
     s.results.release(info.children);
     return out;
@@ -67,6 +70,7 @@ void expectListed(OpenedStream& s, int32_t index, const Listed& want) {
     EXPECT_EQ(got.children, want.children);
     EXPECT_EQ(got.charset, want.charset);
     EXPECT_EQ(got.time, want.time);
+    EXPECT_EQ(got.rootMark, want.rootMark);
 }
 
 // Only the first object carries a charset (-1 stays where none is written);
@@ -84,7 +88,7 @@ TEST(SubfileInfo, TreeWithAndWithoutRootEntry) {
             {0, 1, 0, o, p + "Fwd_zd3", {}, -1, 0},
             {0, 1, 0, o, p + "ref.doc", {}, -1, 0},
         };
-        if (o == 1) tree.insert(tree.begin(), Listed{0, 3, 0, -1, "root/", {1}, -1, 0});
+        if (o == 1) tree.insert(tree.begin(), Listed{0, 3, 0, -1, "root/", {1}, -1, 0, 0});
         for (size_t i = 0; i < tree.size(); ++i) expectListed(s, static_cast<int32_t>(i), tree[i]);
         EXPECT_EQ(list(s, 5 + o).status, 34);
         EXPECT_EQ(list(s, -1).status, 34);

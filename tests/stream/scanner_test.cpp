@@ -123,6 +123,7 @@ TEST(Scanner, CharsetOfTheMessage) {
     const Case cases[] = {
         {le32(932) + le32(1250), std::nullopt, kCharsetShiftJis},
         {le32(1252), std::nullopt, 7},
+        {le32(1258), std::nullopt, 13},
         {{0xE4, 0x04}, std::nullopt, 0},  // fewer than 4 bytes: code page 0
         {le32(437), std::nullopt, 0},     // no host number
         {le32(1251), std::nullopt, 0, {.checksum = 1}},  // bad checksum: not taken
