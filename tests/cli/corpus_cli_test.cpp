@@ -37,41 +37,36 @@ protected:
     Json expected_;
 };
 
-TEST_F(CorpusCli, ListShowsEveryNameTypeAndSize) {
+TEST_F(CorpusCli, ListAndExtractShowEverySubfileAsExpected) {
     for (const auto& [file, want] : expected_.items()) {
         SCOPED_TRACE(file);
-        ToolRun run = runTool({"list", dir_ + "/" + file, "--json"});
-        EXPECT_EQ(run.exitCode, want["open_status"] == 0 ? 0 : 3) << run.err;
-        Json got = run.json();
-        EXPECT_EQ(got["status"], want["open_status"]);
-        ASSERT_EQ(got["subfiles"].size(), want["subfiles"].size());
-        for (const auto& sub : want["subfiles"]) {
-            const auto& listed = got["subfiles"][sub["index"].get<size_t>()];
-            EXPECT_EQ(listed["index"], sub["index"]);
-            EXPECT_EQ(listed["name"], sub["name"]) << sub["index"];
-            EXPECT_EQ(listed["type"], sub["type"]) << sub["index"];
-            EXPECT_EQ(listed["size"], sub["size"]) << sub["index"];
-        }
-    }
-}
+        int exitCode = want["open_status"] == 0 ? 0 : 3;
+        ToolRun list = runTool({"list", dir_ + "/" + file, "--json"});
+        EXPECT_EQ(list.exitCode, exitCode) << list.err;
+        Json listed = list.json();
+        EXPECT_EQ(listed["status"], want["open_status"]);
+        ASSERT_EQ(listed["subfiles"].size(), want["subfiles"].size());
 
-TEST_F(CorpusCli, ExtractWritesEverySubfileWithTheExpectedBytes) {
-    for (const auto& [file, want] : expected_.items()) {
-        SCOPED_TRACE(file);
         TempDir out;
         ToolRun run = runTool({"extract", dir_ + "/" + file, "-C", out.path().string(), "--json"});
-        EXPECT_EQ(run.exitCode, want["open_status"] == 0 ? 0 : 3) << run.err;
+        EXPECT_EQ(run.exitCode, exitCode) << run.err;
         Json report = run.json();
         EXPECT_EQ(keysOf(report), (Keys{"file", "status", "error", "written", "links"}));
         size_t files = 0;
         for (const auto& sub : want["subfiles"]) {
             int index = sub["index"].get<int>();
+            SCOPED_TRACE(index);
+            const auto& shown = listed["subfiles"][index];
+            EXPECT_EQ(shown["index"], sub["index"]);
+            EXPECT_EQ(shown["name"], sub["name"]);
+            EXPECT_EQ(shown["type"], sub["type"]);
+            EXPECT_EQ(shown["size"], sub["size"]);
             const Json* entry = writtenEntry(report, index);
             if (sub["type"] == "message" && sub["name"].is_null()) {  // damaged stream
                 if (entry != nullptr && entry->contains("path")) ++files;
                 continue;
             }
-            ASSERT_NE(entry, nullptr) << "subfile " << index << " not reported";
+            ASSERT_NE(entry, nullptr) << "not reported";
             ASSERT_TRUE(entry->contains("path")) << entry->dump();
             EXPECT_EQ((*entry)["status"], 0);
             std::string path = (*entry)["path"];
@@ -86,7 +81,6 @@ TEST_F(CorpusCli, ExtractWritesEverySubfileWithTheExpectedBytes) {
             std::string name = sub.value("ole_subfile_name", sub["name"].get<std::string>());
             EXPECT_EQ(fs::path(path).filename().string(), name);
             EXPECT_EQ((*entry)["bytes"], sub["extracted_size"]);
-            EXPECT_EQ(fs::file_size(path), sub["extracted_size"].get<uintmax_t>());
             EXPECT_EQ(sha256Of(path), sub["extracted_sha256"]);
         }
         // Nothing else in the folder: no temporary file left behind.
@@ -149,20 +143,14 @@ TEST_F(CorpusCli, EveryBodyIsReadableInBothForms) {
     }
 }
 
+// Standard input that is no mail is spooled and read as the file would be.
 TEST_F(CorpusCli, StandardInputReadsLikeTheFile) {
     std::string file = dir_ + "/attachments.tnef";
-    Json fromFile = runTool({"list", file, "--json"}).json();
     ToolRun piped = runTool({"list", "-", "--json"}, file);
     EXPECT_EQ(piped.exitCode, 0) << piped.err;
     Json fromStdin = piped.json();
     EXPECT_EQ(fromStdin["file"], "-");
-    EXPECT_EQ(fromStdin["subfiles"], fromFile["subfiles"]);
-
-    TempDir out;
-    ToolRun extracted = runTool({"extract", "-", "-C", out.path().string(), "--body", "none"}, file);
-    EXPECT_EQ(extracted.exitCode, 0) << extracted.err;
-    EXPECT_EQ(sha256Of(out / "zappa_av1.jpg"),
-              expected_["attachments.tnef"]["subfiles"][1]["extracted_sha256"]);
+    EXPECT_EQ(fromStdin["subfiles"], runTool({"list", file, "--json"}).json()["subfiles"]);
 }
 
 }  // namespace
