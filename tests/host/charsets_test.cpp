@@ -6,25 +6,16 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 #include "host/posix_host.h"
 #include "reader/charset_names.h"
+#include "tests/support/tnef_writer.h"
 
 namespace {
 
-using Bytes = std::vector<uint8_t>;
-
-Bytes bytesOf(const std::string& text) { return Bytes(text.begin(), text.end()); }
-
-Bytes utf16(const std::u16string& text) {
-    Bytes out;
-    for (char16_t unit : text) {
-        out.push_back(static_cast<uint8_t>(unit & 0xFF));
-        out.push_back(static_cast<uint8_t>(unit >> 8));
-    }
-    return out;
-}
+using tneftest::Bytes;
+using tneftest::bytesOf;
+using tneftest::utf16;
 
 struct Converted {
     int32_t status = 0;
@@ -59,7 +50,7 @@ TEST(CharsetServices, EveryNamedIdOpensBothDirections) {
     for (CharsetId id = 1; id <= kCharsetNameCount + 1; ++id) {
         bool unnamed = id == 50 || (id >= 58 && id <= 65) || (id >= 70 && id <= 93) || id == 95;
         EXPECT_EQ(unnamed, tnefhost::charsetName(id).empty()) << id;
-        Converted out = convert(c, false, id, utf16(u"Az"));
+        Converted out = convert(c, false, id, utf16("Az"));
         EXPECT_EQ(unnamed ? 0 : 1, out.status) << id;
         EXPECT_EQ(unnamed, out.bytes.empty()) << id;
         if (unnamed) continue;
@@ -67,10 +58,10 @@ TEST(CharsetServices, EveryNamedIdOpensBothDirections) {
         EXPECT_EQ(id, tnefhost::charsetByName(tnefhost::charsetName(id))) << id;
         Converted back = convert(c, true, id, out.bytes);
         EXPECT_EQ(1, back.status) << id;
-        EXPECT_EQ(utf16(u"Az"), back.bytes) << id;
+        EXPECT_EQ(utf16("Az"), back.bytes) << id;
     }
     EXPECT_EQ(61, named);
-    EXPECT_EQ(0, convert(c, false, -1, utf16(u"A")).status);
+    EXPECT_EQ(0, convert(c, false, -1, utf16("A")).status);
     EXPECT_EQ("", tnefhost::charsetName(0));
     EXPECT_EQ(1, tnefhost::charsetByName("SHIFT_jis"));
     EXPECT_EQ(51, tnefhost::charsetByName("ISO-10646"));
@@ -80,29 +71,29 @@ TEST(CharsetServices, EveryNamedIdOpensBothDirections) {
 TEST(CharsetServices, RoundTripsWithExactBytes) {
     struct Case {
         CharsetId id;
-        std::u16string text;
+        std::string text;
         Bytes encoded;
     };
     const Case cases[] = {
-        {1, u"日本\\~", {0x93, 0xFA, 0x96, 0x7B, 0x5C, 0x7E}},
-        {2, u"中文", {0xD6, 0xD0, 0xCE, 0xC4}},
-        {3, u"中文", {0xA4, 0xA4, 0xA4, 0xE5}},
-        {4, u"한국", {0xC7, 0xD1, 0xB1, 0xB9}},
-        {5, u"Łódź", {0xA3, 0xF3, 0x64, 0x9F}},
-        {6, u"Привет", {0xCF, 0xF0, 0xE8, 0xE2, 0xE5, 0xF2}},
-        {7, u"€ café", {0x80, 0x20, 0x63, 0x61, 0x66, 0xE9}},
-        {8, u"Ωμέγα", {0xD9, 0xEC, 0xDD, 0xE3, 0xE1}},
-        {9, u"ğış", {0xF0, 0xFD, 0xFE}},
-        {10, u"שלום", {0xF9, 0xEC, 0xE5, 0xED}},
-        {11, u"سلام", {0xD3, 0xE1, 0xC7, 0xE3}},
-        {12, u"ąčę", {0xE0, 0xE8, 0xE6}},
-        {13, u"Việt", {0x56, 0x69, 0xEA, 0xF2, 0x74}},  // base letter + combining mark
-        {41, u"ไทย", {0xE4, 0xB7, 0xC2}},
-        {53, u"\U0001F600é", {0xF0, 0x9F, 0x98, 0x80, 0xC3, 0xA9}},
-        {55, u"日本", {0x1B, 0x24, 0x42, 0x46, 0x7C, 0x4B, 0x5C, 0x1B, 0x28, 0x42}},
-        {44, u"\u2019\uFB01\u201D\u00BB\u2026\u00DF", {0x27, 0xAE, 0xBA, 0xBB, 0xBC, 0xFB}},  // StandardEncoding
-        {45, u"€•Ÿ\u02DA\u02DC", {0xA0, 0x80, 0x98, 0x1E, 0x1F}},  // PDFDocEncoding
-        {51, u"a€", {0x61, 0x00, 0xAC, 0x20}},
+        {1, "日本\\~", {0x93, 0xFA, 0x96, 0x7B, 0x5C, 0x7E}},
+        {2, "中文", {0xD6, 0xD0, 0xCE, 0xC4}},
+        {3, "中文", {0xA4, 0xA4, 0xA4, 0xE5}},
+        {4, "한국", {0xC7, 0xD1, 0xB1, 0xB9}},
+        {5, "Łódź", {0xA3, 0xF3, 0x64, 0x9F}},
+        {6, "Привет", {0xCF, 0xF0, 0xE8, 0xE2, 0xE5, 0xF2}},
+        {7, "€ café", {0x80, 0x20, 0x63, 0x61, 0x66, 0xE9}},
+        {8, "Ωμέγα", {0xD9, 0xEC, 0xDD, 0xE3, 0xE1}},
+        {9, "ğış", {0xF0, 0xFD, 0xFE}},
+        {10, "שלום", {0xF9, 0xEC, 0xE5, 0xED}},
+        {11, "سلام", {0xD3, 0xE1, 0xC7, 0xE3}},
+        {12, "ąčę", {0xE0, 0xE8, 0xE6}},
+        {13, "Việt", {0x56, 0x69, 0xEA, 0xF2, 0x74}},  // base letter + combining mark
+        {41, "ไทย", {0xE4, 0xB7, 0xC2}},
+        {53, "\U0001F600é", {0xF0, 0x9F, 0x98, 0x80, 0xC3, 0xA9}},
+        {55, "日本", {0x1B, 0x24, 0x42, 0x46, 0x7C, 0x4B, 0x5C, 0x1B, 0x28, 0x42}},
+        {44, "\u2019\uFB01\u201D\u00BB\u2026\u00DF", {0x27, 0xAE, 0xBA, 0xBB, 0xBC, 0xFB}},  // StandardEncoding
+        {45, "€•Ÿ\u02DA\u02DC", {0xA0, 0x80, 0x98, 0x1E, 0x1F}},  // PDFDocEncoding
+        {51, "a€", {0x61, 0x00, 0xAC, 0x20}},
     };
     tnefhost::PosixHost host;
     for (const Case& test : cases) {
@@ -124,19 +115,19 @@ TEST(CharsetServices, ReplacementsKeepTheRestOfTheText) {
         Bytes out;
     };
     const Case cases[] = {
-        {"character the charset lacks", false, 7, utf16(u"a中b"), bytesOf("a?b")},
-        {"lone surrogate", false, 53, utf16(u"\xD800z"), bytesOf("?z")},
+        {"character the charset lacks", false, 7, utf16("a中b"), bytesOf("a?b")},
+        {"lone surrogate", false, 53, Bytes{0x00, 0xD8, 'z', 0}, bytesOf("?z")},
         {"odd last byte", false, 7, {'a', 0, 'b'}, bytesOf("a?")},
         {"replacement shifts back to ASCII",
          false,
          55,
-         utf16(u"日€"),
+         utf16("日€"),
          {0x1B, 0x24, 0x42, 0x46, 0x7C, 0x1B, 0x28, 0x42, '?'}},
-        {"replacement as an EBCDIC character", false, 46, utf16(u"a€"), {0x81, 0x6F}},
-        {"outside a byte table", false, 44, utf16(u"é"), bytesOf("?")},
-        {"invalid UTF-8", true, 53, {0xFF, 'a', 'b'}, utf16(u" ab")},
-        {"lead byte cut off", true, 1, {'a', 0x93}, utf16(u"a ")},
-        {"unassigned byte of a table", true, 45, {0xAD, 'x'}, utf16(u" x")},
+        {"replacement as an EBCDIC character", false, 46, utf16("a€"), {0x81, 0x6F}},
+        {"outside a byte table", false, 44, utf16("é"), bytesOf("?")},
+        {"invalid UTF-8", true, 53, {0xFF, 'a', 'b'}, utf16(" ab")},
+        {"lead byte cut off", true, 1, {'a', 0x93}, utf16("a ")},
+        {"unassigned byte of a table", true, 45, {0xAD, 'x'}, utf16(" x")},
     };
     tnefhost::PosixHost host;
     for (const Case& test : cases) {
@@ -166,7 +157,7 @@ TEST(CharsetServices, CharsetToCharsetAndDefault) {
 TEST(CharsetServices, BadArgumentsAndSmallTargets) {
     tnefhost::PosixHost host;
     HostContext* c = host.context();
-    Bytes text = utf16(u"a日");
+    Bytes text = utf16("a日");
     uint8_t out[8] = {};
     struct Case {
         const char* what;
@@ -264,8 +255,8 @@ TEST(CharsetServices, HtmlEscaping) {
         {53, bytesOf("<<x\xC3\xA9"), bytesOf("&lt;&lt;x")},  // no half character at the cut
         {1, {0x93, 0xFA, '<'}, {0x93, 0xFA, '&', 'l', 't', ';'}},
         {1, {'<', '<', 'x', 0x93, 0xFA}, bytesOf("&lt;&lt;x")},
-        {51, utf16(u"<\u00e9"), utf16(u"&lt;")},
-        {51, utf16(u"Q&A&#"), utf16(u"Q&A&amp;#"), 40},
+        {51, utf16("<\u00e9"), utf16("&lt;")},
+        {51, utf16("Q&A&#"), utf16("Q&A&amp;#"), 40},
         {46, {0x4C, 0x81}, {0x50, 0x93, 0xA3, 0x5E}},  // EBCDIC "<a", cut after "&lt;"
         {55,
          {0x1B, '$', 'B', '<', '!', 0x1B, '(', 'B', '<'},
