@@ -41,7 +41,8 @@ TEST(Metadata, DefaultSetOfTheMessage) {
     EXPECT_EQ(subject->type, 8);
     ASSERT_EQ(subject->size, 6);
     const uint8_t* bytes = reinterpret_cast<const uint8_t*>(subject->value);
-    EXPECT_EQ(Bytes(bytes, bytes + 8), (Bytes{'H', 0, 'i', 0, 0, 0, 0, 0})) << "two zero bytes behind the copy";
+    EXPECT_EQ(Bytes(bytes, bytes + 8), (Bytes{'H', 0, 'i', 0, 0, 0, 0, 0}))
+        << "two zero bytes behind the copy";
     EXPECT_EQ(result.items[6]->type, 3);
     EXPECT_EQ(result.items[6]->value, 2u);
     for (int i = 2; i <= 4; ++i) {
