@@ -126,8 +126,6 @@ TEST(SubfileInfo, FirstObjectOfOddStreams) {
         OpenedStream s(c.stream);
         expectListed(s, 0, c.expected);
     }
-    OpenedStream unnamable(buildMessage({.body = "b", .attachments = {{}}}));
-    EXPECT_EQ(list(unnamable, 1).name, "zd1.tmp");
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // OLE attachments: the storage library's loading, the descriptor pass, the
-// payload copy, links and the whole-object fallback. The corpus package is
-// extracted by tests/cli/corpus_cli_test.cpp; refused allocations are swept.
+// payload copy (links among them) and the whole-object fallback. The corpus
+// package is extracted by tests/cli/corpus_cli_test.cpp; refused allocations
+// are swept.
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -59,7 +60,9 @@ TEST(OleExtraction, PayloadStreams) {
         std::vector<CfbEntryLayout> entries;
         Bytes expected;
         std::string name;
+        std::string path = "";  // of a link, which writes nothing and is flagged
     };
+    const OleLink link;
     const Case cases[] = {
         {"PBrush: from byte 4, descriptor not parsed", {compObj("PBrush"), native(main)}, range(main, 4, 5000), ""},
         {"Acrobat: main stream from 0", {compObj("Acrobat Document"), native(packed.bytes)}, packed.bytes, ""},
@@ -77,6 +80,7 @@ TEST(OleExtraction, PayloadStreams) {
         {"no descriptor: Workbook from 0", {{"Workbook", main}}, main, ""},
         {"stream of 4086 bytes", {{"CONTENTS", patternBytes(4086)}}, patternBytes(4086), ""},
         {"stream of 40000 bytes", {{"Package", patternBytes(40000, 3)}}, patternBytes(40000, 3), ""},
+        {"link", {{"\x01" "Ole", oleLinkStream(link).bytes}}, {}, link.path, link.path},
     };
     for (const Case& c : cases) {
         for (int version : {3, 4}) {
@@ -86,6 +90,8 @@ TEST(OleExtraction, PayloadStreams) {
             EXPECT_EQ(e.status, 0);
             EXPECT_EQ(e.bytes, c.expected);
             EXPECT_EQ(e.subfileName, c.name);
+            EXPECT_EQ(e.subfilePath, c.path);
+            EXPECT_EQ(e.resultFlags & 0xA, c.path.empty() ? 0u : 8u);
             EXPECT_EQ(e.size, static_cast<int64_t>(c.expected.size()));
             EXPECT_FALSE(e.leftOpen);
             EXPECT_EQ(Bytes(e.detectedFormat, e.detectedFormat + 16), Bytes(16, 0)) << "cleared after unpacking";
@@ -93,17 +99,6 @@ TEST(OleExtraction, PayloadStreams) {
             EXPECT_EQ(s.results.liveBlocks(), 0u);
         }
     }
-}
-
-TEST(OleExtraction, Links) {
-    OleLink link;
-    OpenedStream s(oleMessage(buildCfb({{"\x01" "Ole", oleLinkStream(link).bytes}})));
-    Extraction e = extractSubfile(s, 1);
-    EXPECT_EQ(e.status, 0);
-    EXPECT_TRUE(e.bytes.empty());
-    EXPECT_EQ(e.subfilePath, link.path);
-    EXPECT_EQ(e.subfileName, link.path);
-    EXPECT_EQ(e.resultFlags & 0xA, 8u);
 }
 
 TEST(OleExtraction, WholeObjectFallbacks) {

@@ -103,6 +103,8 @@ Prop rtf(const std::string& text) {
 // The body form chosen for the message (flag 4 prefers a stored body to the
 // text), the seam behind the stored RTF body's header, the choice of the HTML
 // property, and the charset: a wanted one changes nothing in a stored body.
+// No RTF body to be had (the value's buffer or the decoder's refused, nothing
+// read) leaves the header alone.
 TEST(Extract, MessageBodies) {
     const std::string big(9000, 'h');  // three blocks
     const Prop html8 = Prop::string8(kTagBodyHtml8, "<p>str</p>");
@@ -114,6 +116,7 @@ TEST(Extract, MessageBodies) {
         CharsetId wanted;
         std::string expected;
         bool converted = false;  // a charset wanted for the text is reported when it was converted
+        void (*arrange)(OpenedStream&) = nullptr;
     };
     const Case cases[] = {
         {"text converted", {.oemCodePage = 1252, .body = "caf\xE9"}, 0, 53, kTextHeader + "caf\xC3\xA9", true},
@@ -132,29 +135,22 @@ TEST(Extract, MessageBodies) {
         {"RTF, version 2", {.props = {rtf("{\\rtf2 hi}")}}, 0, 0, kRtfHeader + "{\\rtf2 hi}"},
         {"RTF, cut short", {.props = {rtf("{\\rtf")}}, 0, 0, kRtfHeader + "{\\rtf"},
         {"RTF, not RTF", {.props = {rtf("plain")}}, 0, 0, kRtfHeader + "plain"},
+        {"RTF, value refused", {.props = {rtf("{\\rtf1 x}")}}, 0, 0, kRtfHeader, false,
+         [](OpenedStream& s) { s.host.memory().refuseRequest(1); }},
+        {"RTF, decoder refused", {.props = {rtf("{\\rtf1 x}")}}, 0, 0, kRtfHeader, false,
+         [](OpenedStream& s) { s.host.memory().refuseRequest(2); }},
+        {"RTF, not read", {.props = {rtf("{\\rtf1 x}")}}, 0, 0, kRtfHeader, false,
+         [](OpenedStream& s) { s.input.failOperation(tnefhost::IoOp::kRead, 1); }},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         OpenedStream s(buildMessage(c.plan));
+        if (c.arrange != nullptr) c.arrange(s);
         Extraction e = extractSubfile(s, 0, c.flags, c.wanted);
         EXPECT_EQ(e.status, 0);
         EXPECT_EQ(std::string(e.bytes.begin(), e.bytes.end()), c.expected);
         EXPECT_EQ(e.resultFlags & 4, c.converted ? 4u : 0u);
         EXPECT_EQ(extractSubfile(s, 0, c.flags).resultFlags & 4, 0u) << "not kept for the next extraction";
-        EXPECT_EQ(s.close(), "");
-    }
-}
-
-// No RTF body to be had leaves the header alone: the value's buffer
-// refused, the decoder's buffer refused, nothing read.
-TEST(Extract, RtfFailuresLeaveTheHeader) {
-    for (int failure = 1; failure <= 3; ++failure) {
-        OpenedStream s(buildMessage({.props = {rtf("{\\rtf1 x}")}}));
-        if (failure < 3) s.host.memory().refuseRequest(failure);
-        if (failure == 3) s.input.failOperation(tnefhost::IoOp::kRead, 1);
-        Extraction e = extractSubfile(s, 0);
-        EXPECT_EQ(e.status, 0);
-        EXPECT_EQ(std::string(e.bytes.begin(), e.bytes.end()), kRtfHeader) << failure;
         EXPECT_EQ(s.close(), "");
     }
 }

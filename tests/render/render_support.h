@@ -34,10 +34,4 @@ inline MessageLayout withProps(std::vector<Prop> props, std::vector<AttachmentLa
     return MessageLayout{std::nullopt, std::nullopt, std::nullopt, props, std::nullopt, attachments};
 }
 
-// UTF-16LE of a UTF-8 text, as a byte string.
-inline std::string wide(const std::string& text) {
-    Bytes bytes = utf16(text);
-    return std::string(bytes.begin(), bytes.end());
-}
-
 }  // namespace tneftest::render

@@ -68,22 +68,18 @@ TEST(PropertyAccess, ConversionsAndLimits) {
     }
 }
 
+// A failed seek or read of the value is an I/O error; a refused element or
+// value buffer is out of memory.
 TEST(PropertyAccess, FailuresLeaveNothing) {
-    Bytes stream = buildMessage({.props = {Prop::string8(kTagSubject8, "subject")}});
-    {
+    const Bytes stream = buildMessage({.props = {Prop::string8(kTagSubject8, "subject")}});
+    const struct { std::optional<IoOp> failed; uint64_t refused; int32_t status; } cases[] = {
+        {IoOp::kSeek, 0, 4}, {IoOp::kRead, 0, 4}, {std::nullopt, 1, 2}, {std::nullopt, 2, 2},
+    };
+    for (const auto& c : cases) {
         OpenedStream s(stream);
-        s.input.failOperation(IoOp::kSeek, 1);
-        EXPECT_EQ(fetch(s, 0, kTagSubject8).status, 4);
-    }
-    {
-        OpenedStream s(stream);
-        s.input.failOperation(IoOp::kRead, 1);
-        EXPECT_EQ(fetch(s, 0, kTagSubject8).status, 4);
-    }
-    for (uint64_t n : {1u, 2u}) {
-        OpenedStream s(stream);
-        s.results.refuseRequest(n);
-        EXPECT_EQ(fetch(s, 0, kTagSubject8).status, 2) << n;
+        if (c.failed) s.input.failOperation(*c.failed, 1);
+        s.results.refuseRequest(c.refused);
+        EXPECT_EQ(fetch(s, 0, kTagSubject8).status, c.status) << c.refused;
     }
 }
 

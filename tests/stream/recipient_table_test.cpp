@@ -21,10 +21,6 @@ Prop mail8(const std::string& s) { return Prop::string8(kTagEmailAddress8, s); }
 Prop mail16(const std::string& s) { return Prop::unicode(kTagEmailAddress16, s); }
 Prop smtp8(const std::string& s) { return Prop::string8(kTagSmtpAddress8, s); }
 Prop kind(int32_t t) { return Prop::int32(kTagRecipientType, t); }
-std::string w16(const std::string& s) {
-    Bytes b = utf16(s);
-    return std::string(b.begin(), b.end());
-}
 
 // Slots 2 to 4 as "To|Cc|Bcc": "null" without element, "-" for an empty
 // placeholder, else the text, whose element name and terminator are checked.
@@ -73,20 +69,20 @@ TEST(RecipientTable, AssemblesListsInBothForms) {
         {{{kind(2), name8("C")}}, "|\"C\"|-", false, 3},  // rows beyond the data
         {{{kind(2), name8("C")}}, "null|null|null", false, 0x7FFFFFFF},  // its spare room is refused
         {{{name8("A")}, {tooMany}}, "null|null|null"},  // a property the table cannot hold ends it
-        {{{name16("Al"), mail16("a@b")}, {name16("B")}}, w16("\"Al\" <a@b>, \"B\"") + "|-|-", true},
+        {{{name16("Al"), mail16("a@b")}, {name16("B")}}, wide("\"Al\" <a@b>, \"B\"") + "|-|-", true},
         // 16-bit at sign: 40 as a high byte or behind 00 00 doesn't count.
         {{{Prop::raw(kTagEmailAddress16, {Bytes{0, 0x40, 0, 0}}),
            Prop::raw(kTagSmtpAddress16, {Bytes{0x61, 0x40, 0, 0}}),
            Prop::raw(0x403E001F, {Bytes{0, 0, 0x40, 0}}),
            Prop::raw(0x403E101F, {Bytes{0x62, 0}, Bytes{0x40, 0, 0x63}})}},
-         w16("<@>") + "|-|-", true},
-        {{{name16("A")}, {kind(2)}}, w16("\"A\"") + "|-|-", true},
-        {{{kind(1)}, {name16("A")}}, w16(", \"A\"") + "|-|-", true},
-        {{{Prop::raw(0x3001101F, {utf16("A")})}}, w16("\"A\"") + "|-|-", true},
+         wide("<@>") + "|-|-", true},
+        {{{name16("A")}, {kind(2)}}, wide("\"A\"") + "|-|-", true},
+        {{{kind(1)}, {name16("A")}}, wide(", \"A\"") + "|-|-", true},
+        {{{Prop::raw(0x3001101F, {utf16("A")})}}, wide("\"A\"") + "|-|-", true},
         // Mixed tables: 8-bit rows and texts are widened.
         {{{kind(3), name8("Bob"), mail8("b@x")}, {name16("Al")}},
-         w16("\"Al\"") + "|-|" + w16("\"Bob\" <b@x>"), true},
-        {{{name8("Bob"), Prop::unicode(0x3A00001F, "z")}}, w16("\"Bob\"") + "|-|-", true},
+         wide("\"Al\"") + "|-|" + wide("\"Bob\" <b@x>"), true},
+        {{{name8("Bob"), Prop::unicode(0x3A00001F, "z")}}, wide("\"Bob\"") + "|-|-", true},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.expected);
@@ -129,7 +125,7 @@ TEST(RecipientTable, DamagedTablesEndCleanly) {
          {kind(3), Prop::raw(0x00480048, {Bytes(16, 1)}), Prop::string8(0x403E001E, "b@c")}});
     const Bytes whole = withTable(table);
     EXPECT_EQ(lists(OpenedStream(whole)),
-              w16("\"W\" <w@x>") + "|" + w16("\"N1\" <a@b>") + "|" + w16("<b@c>"));
+              wide("\"W\" <w@x>") + "|" + wide("\"N1\" <a@b>") + "|" + wide("<b@c>"));
     for (size_t cut = 0; cut <= table.size(); ++cut) {
         // The record holds only the first bytes; or the stream ends inside the table.
         for (const Bytes& stream : {withTable(Bytes(table.begin(), table.begin() + cut)),

@@ -97,6 +97,11 @@ Bytes utf16(const std::string& text) {
     return out;
 }
 
+std::string wide(const std::string& text) {
+    Bytes bytes = utf16(text);
+    return std::string(bytes.begin(), bytes.end());
+}
+
 Bytes randomBytes(size_t size, uint32_t seed) {
     std::mt19937 random(seed);
     Bytes bytes(size);

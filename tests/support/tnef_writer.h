@@ -18,6 +18,8 @@ void putLe64(Bytes& out, uint64_t value);
 Bytes bytesOf(const std::string& text);
 // UTF-16LE of a UTF-8 text; code points above U+FFFF become surrogate pairs.
 Bytes utf16(const std::string& text);
+// UTF-16LE of a UTF-8 text as a byte string, to compare with outputs held as text.
+std::string wide(const std::string& text);
 // `size` bytes of noise, the same for the same seed.
 Bytes randomBytes(size_t size, uint32_t seed);
 
