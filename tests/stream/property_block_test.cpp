@@ -163,7 +163,9 @@ TEST(PropertyBlock, HostileLengthsDoNotWrap) {
         BlockUnderTest b(propertyBlock({p, Prop::int32(0x00020003, 2)}));
         EXPECT_EQ(b.status(), 0);
         EXPECT_EQ(b.row(1).tag, 0u) << "decoding ended at the hostile length";
-        if (p.lengthOverride) EXPECT_EQ(b.row(0).values[0].located.length, -2) << "kept as read";
+        if (p.lengthOverride) {
+            EXPECT_EQ(b.row(0).values[0].located.length, -2) << "kept as read";
+        }
     }
 }
 
