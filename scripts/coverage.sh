@@ -2,7 +2,9 @@
 # Line and branch coverage of the test suite, per component folder: builds the
 # project with gcc's --coverage into build-coverage/, runs the suite there and
 # prints one row per folder (gcovr; branches that only exceptions take, and
-# branches the compiler marks unreachable, are left out).
+# branches the compiler marks unreachable, are left out). Counters are updated
+# atomically: batch's worker threads would otherwise leave counts gcov can't
+# parse.
 #
 #   scripts/coverage.sh [--json FILE]   FILE: the per-folder figures as JSON too
 set -euo pipefail
@@ -20,7 +22,7 @@ if [ "${1:-}" = "--json" ]; then json_out=${2:?--json needs a file}; fi
 build=build-coverage
 jobs=$(nproc 2>/dev/null || echo 2)
 cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=Debug -DTNEF_BUILD_BENCH=OFF \
-  -DCMAKE_C_FLAGS=--coverage -DCMAKE_CXX_FLAGS=--coverage \
+  -DCMAKE_C_FLAGS="--coverage -fprofile-update=atomic" -DCMAKE_CXX_FLAGS="--coverage -fprofile-update=atomic" \
   -DCMAKE_EXE_LINKER_FLAGS=--coverage -DCMAKE_SHARED_LINKER_FLAGS=--coverage >/dev/null
 cmake --build "$build" -j "$jobs" >/dev/null
 find "$build" -name '*.gcda' -delete
