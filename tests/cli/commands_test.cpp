@@ -126,6 +126,10 @@ TEST(CliJson, SubjectsAndNamesComeOutAsUtf8) {
         EXPECT_EQ(list.exitCode, 0) << list.err;
         EXPECT_EQ(list.json()["summary"]["subject"], c.subjectShown);
         EXPECT_EQ(list.json()["subfiles"][1]["name"], c.attachmentShown);
+        fs::path out = dir.path() / c.attachmentShown;
+        ToolRun extracted = runTool({"extract", dir.path() / "t.tnef", "-C", out.string(), "--body", "none"});
+        EXPECT_EQ(extracted.exitCode, 0) << extracted.err;
+        EXPECT_TRUE(fs::exists(out / c.attachmentShown));
     }
 }
 
