@@ -74,21 +74,12 @@ TEST(CharsetServices, RoundTripsWithExactBytes) {
         std::string text;
         Bytes encoded;
     };
+    // One charset per kind of codec: double-byte, single-byte, one that holds
+    // back a base letter, UTF-8, a stateful one, the two byte tables, UTF-16.
     const Case cases[] = {
         {1, "日本\\~", {0x93, 0xFA, 0x96, 0x7B, 0x5C, 0x7E}},
-        {2, "中文", {0xD6, 0xD0, 0xCE, 0xC4}},
-        {3, "中文", {0xA4, 0xA4, 0xA4, 0xE5}},
-        {4, "한국", {0xC7, 0xD1, 0xB1, 0xB9}},
-        {5, "Łódź", {0xA3, 0xF3, 0x64, 0x9F}},
-        {6, "Привет", {0xCF, 0xF0, 0xE8, 0xE2, 0xE5, 0xF2}},
         {7, "€ café", {0x80, 0x20, 0x63, 0x61, 0x66, 0xE9}},
-        {8, "Ωμέγα", {0xD9, 0xEC, 0xDD, 0xE3, 0xE1}},
-        {9, "ğış", {0xF0, 0xFD, 0xFE}},
-        {10, "שלום", {0xF9, 0xEC, 0xE5, 0xED}},
-        {11, "سلام", {0xD3, 0xE1, 0xC7, 0xE3}},
-        {12, "ąčę", {0xE0, 0xE8, 0xE6}},
         {13, "Việt", {0x56, 0x69, 0xEA, 0xF2, 0x74}},  // base letter + combining mark
-        {41, "ไทย", {0xE4, 0xB7, 0xC2}},
         {53, "\U0001F600é", {0xF0, 0x9F, 0x98, 0x80, 0xC3, 0xA9}},
         {55, "日本", {0x1B, 0x24, 0x42, 0x46, 0x7C, 0x4B, 0x5C, 0x1B, 0x28, 0x42}},
         {44, "\u2019\uFB01\u201D\u00BB\u2026\u00DF", {0x27, 0xAE, 0xBA, 0xBB, 0xBC, 0xFB}},  // StandardEncoding
@@ -134,23 +125,6 @@ TEST(CharsetServices, ReplacementsKeepTheRestOfTheText) {
         Converted result = convert(host.context(), test.toUnicode, test.id, test.in);
         EXPECT_EQ(1, result.status) << test.what;
         EXPECT_EQ(test.out, result.bytes) << test.what;
-    }
-}
-
-TEST(CharsetServices, CharsetToCharsetAndDefault) {
-    tnefhost::HostOptions options;
-    options.defaultCharset = kCharsetUtf8;
-    tnefhost::PosixHost host(options);
-    HostContext* c = host.context();
-    Bytes cyrillic = {0xCF, 0xF0}, out(8);  // "Пр" in windows-1251
-    HostText source{cyrillic.data(), 2};
-    for (CharsetId current : {0, 7}) {  // 0: the host's default, UTF-8 here
-        c->currentCharset = current;
-        HostTextBuffer target{out.data(), 8};
-        EXPECT_EQ(1, c->hostCharsetToCharset(c, 6, &source, &target, '#'));
-        EXPECT_EQ(current == 0 ? (Bytes{0xD0, 0x9F, 0xD1, 0x80}) : bytesOf("##"),
-                  Bytes(out.begin(), out.begin() + target.length));
-        EXPECT_EQ(current, c->currentCharset) << "services don't change currentCharset";
     }
 }
 
@@ -235,12 +209,8 @@ TEST(CharsetServices, HtmlEscaping) {
         Bytes out;
         int32_t capacity = -1;
     };
-    const Bytes longText(3000, 'v');
     const Case cases[] = {
-        {7, bytesOf("\"A\""), bytesOf("\"A\"")},
-        {7, bytesOf("Q&A"), bytesOf("Q&A")},
         {7, bytesOf("R&D <Q>"), bytesOf("R&D &lt;Q>")},
-        {7, bytesOf("AT&T"), bytesOf("AT&T")},
         {7, bytesOf("&;"), bytesOf("&;")},
         {7, bytesOf("&copy;2024"), bytesOf("&amp;copy;2024")},
         {7, bytesOf("&amp"), bytesOf("&amp;amp")},
@@ -250,10 +220,7 @@ TEST(CharsetServices, HtmlEscaping) {
         {7, bytesOf("a<b>&\"c'\xE9"), bytesOf("a&lt;b>&\"c'\xE9")},
         {7, bytesOf("<"), {}},
         {7, bytesOf("<<<"), bytesOf("&lt;")},
-        {7, longText, longText},
-        {7, Bytes(3000, '<'), bytesOf([] { std::string s; for (int i = 0; i < 1500; ++i) s += "&lt;"; return s; }())},
         {53, bytesOf("<<x\xC3\xA9"), bytesOf("&lt;&lt;x")},  // no half character at the cut
-        {1, {0x93, 0xFA, '<'}, {0x93, 0xFA, '&', 'l', 't', ';'}},
         {1, {'<', '<', 'x', 0x93, 0xFA}, bytesOf("&lt;&lt;x")},
         {51, utf16("<\u00e9"), utf16("&lt;")},
         {51, utf16("Q&A&#"), utf16("Q&A&amp;#"), 40},
