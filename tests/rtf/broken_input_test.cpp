@@ -61,7 +61,6 @@ TEST(BrokenInput, FailingInputsAndOutputs) {
     const std::string rtf = "{\\rtf1 " + body + "}";
     struct Case { uint64_t failRead; int sinkWrites; bool ioOutput; ConversionStatus status; };
     const Case cases[] = {
-        {0, 1000, false, ConversionStatus::kComplete},
         {0, 1000, true, ConversionStatus::kComplete},
         {2, 1000, false, ConversionStatus::kInputFailed},
         {0, 1, false, ConversionStatus::kOutputFailed},

@@ -15,14 +15,12 @@ struct Converted {
     tnefrtf::ConversionResult result;
 };
 
-// Converts `rtf` handed over in chunks of `chunk` bytes (0: at once).
-inline Converted convert(std::string_view rtf, tnefrtf::OutputForm form, size_t chunk = 0) {
+inline Converted convert(std::string_view rtf, tnefrtf::OutputForm form) {
     static tnefhost::PosixHost host;
     tnefrtf::HostCodePageDecoder codePages(host.context());
     tnefrtf::StringSink sink;
     tnefrtf::RtfConverter converter(form, sink, &codePages);
-    if (chunk == 0) chunk = rtf.size() + 1;
-    for (size_t at = 0; at < rtf.size(); at += chunk) converter.write(rtf.substr(at, chunk));
+    converter.write(rtf);
     tnefrtf::ConversionResult result = converter.finish();
     return {sink.text, result};
 }
