@@ -1,10 +1,13 @@
 // A storage opened through the library's table over an in-memory file, with
-// the host's counting allocator, and a helper that reads a stream whole.
+// the host's counting allocator, and a helper that reads a stream whole. At
+// its end, whatever happened, nothing of its memory may be left allocated.
 #pragma once
 
 #include <algorithm>
 #include <optional>
 #include <string>
+
+#include <gtest/gtest.h>
 
 #include "host/io_objects.h"
 #include "host/memory.h"
@@ -15,7 +18,7 @@ namespace tneftest {
 
 struct OpenedStorage {
     explicit OpenedStorage(Bytes bytes) : input(std::move(bytes)) { GetOLEInterface(&ole); }
-    ~OpenedStorage() { close(); }
+    ~OpenedStorage() { EXPECT_EQ(close(), "") << "memory left allocated"; }
 
     bool open() {
         storage = ole.openStorage(input.io(), memory.allocator());
