@@ -148,7 +148,6 @@ TEST(CharsetServices, BadArgumentsAndSmallTargets) {
         {"negative source length", 1, {text.data(), -1}, {out, 8}, 0, 0},
         {"null source bytes", 1, {nullptr, 3}, {out, 8}, 0, 0},
         {"empty source", 1, {nullptr, 0}, {nullptr, 0}, 1, 0},
-        {"numbered but unnamed charset", 60, {text.data(), 4}, {nullptr, 0}, 0, 0},
     };
     for (const Case& test : cases) {
         c->currentCharset = test.charset;

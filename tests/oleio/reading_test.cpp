@@ -91,13 +91,8 @@ TEST(OleNames, LookupTable) {
     OpenedStorage file(buildCfb(specs));
     ASSERT_TRUE(file.open());
     for (const Case& c : cases) {
-        SCOPED_TRACE(c.query);
-        std::optional<Bytes> got = file.read(c.query);
-        if (c.expected == nullptr) {
-            EXPECT_FALSE(got.has_value());
-        } else {
-            EXPECT_EQ(got, bytesOf(c.expected));
-        }
+        std::optional<Bytes> expected = c.expected ? std::optional(bytesOf(c.expected)) : std::nullopt;
+        EXPECT_EQ(file.read(c.query), expected) << c.query;
     }
     // A failed search leaves no current stream.
     ASSERT_NE(file.ole.findStream(file.storage, "Workbook"), 0);
