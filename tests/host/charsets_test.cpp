@@ -167,11 +167,11 @@ TEST(CharsetServices, LeadByteBoundaries) {
         uint8_t byte;
         int32_t lead;
     };
+    // The bytes just outside the lead-byte ranges that no character of the
+    // charsets starts with (the loop below meets all the others), a charset
+    // without lead bytes, and the host's default for 0.
     const Case cases[] = {
-        {1, 0x80, 0}, {1, 0x81, 1}, {1, 0x9F, 1}, {1, 0xA0, 0},  {1, 0xDF, 0}, {1, 0xE0, 1},
-        {1, 0xFC, 1}, {1, 0xFD, 0}, {2, 0x80, 0}, {2, 0x81, 1},  {2, 0xFE, 1}, {2, 0xFF, 0},
-        {3, 0x80, 0}, {3, 0x81, 1}, {3, 0xFE, 1}, {3, 0xFF, 0},  {4, 0x80, 0}, {4, 0x81, 1},
-        {4, 0xFE, 1}, {4, 0xFF, 0}, {7, 0x81, 0}, {53, 0xE3, 0}, {0, 0x81, 1},
+        {1, 0x80, 0}, {1, 0xA0, 0}, {1, 0xFD, 0}, {2, 0xFF, 0}, {7, 0x81, 0}, {0, 0x81, 1},
     };
     tnefhost::HostOptions options;
     options.defaultCharset = kCharsetShiftJis;

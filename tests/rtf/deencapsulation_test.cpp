@@ -72,8 +72,6 @@ TEST(Deencapsulation, DetectedFromTheHead) {
     struct Case { std::string head; Encapsulation encapsulation; };
     const Case cases[] = {
         {"{\\rtf1\\ansi\\ansicpg1252\\fromhtml1 \\deff0{\\fonttbl", Encapsulation::kHtml},
-        {"{\\rtf1\\ansi\\fromtext{", Encapsulation::kText},
-        {"{\\rtf1\\ansi\\deff0{\\fonttbl", Encapsulation::kNone},
         {"{\\rtf1 text\\fromhtml1{", Encapsulation::kNone},  // too late
         {"{\\rtf1\\ansi\\fromhtml1 \\deff0", Encapsulation::kUnknown},
         {"", Encapsulation::kUnknown},
