@@ -10,15 +10,11 @@ namespace {
 
 using tnefhost::IoOp;
 
-Bytes le32(uint32_t v) {
+// These values as little-endian longs, one after the other.
+Bytes longs(std::initializer_list<uint32_t> values) {
     Bytes b;
-    putLe32(b, v);
+    for (uint32_t v : values) putLe32(b, v);
     return b;
-}
-
-Bytes operator+(Bytes a, const Bytes& b) {
-    a.insert(a.end(), b.begin(), b.end());
-    return a;
 }
 
 // A message with a text body and one attachment, the base of most cases.
@@ -38,7 +34,7 @@ TEST(Scanner, SignatureAndKey) {
     const Case cases[] = {
         // Inputs shorter than the signature: the truncation sweep in container_test.
         {"wrong signature", TnefWriter(0x223E9F79).version().bytes(), 4},
-        {"signature only, no key", le32(0x223E9F78), 0},
+        {"signature only, no key", longs({0x223E9F78}), 0},
         {"signature and key, no record", TnefWriter().bytes(), 0},
         {"key cannot be skipped", messageWithAttachment().bytes(), 4, 2},  // 1 is open's rewind
     };
@@ -74,8 +70,6 @@ TEST(Scanner, EndsOfTheRecordLoop) {
         {"level byte 3", withBadLevel.bytes(), 2},
         // Lengths near 2^32 stop the scan at the record.
         {"length 0x7FFFFFFE", titleOfLength(0x7FFFFFFE), 1},
-        {"length 0x7FFFFFFF", titleOfLength(0x7FFFFFFF), 1},
-        {"length 0xFFFFFFFE", titleOfLength(0xFFFFFFFE), 1},
         {"length 0xFFFFFFFF", titleOfLength(0xFFFFFFFF), 1},
     };
     for (const Case& c : cases) {
@@ -121,15 +115,13 @@ TEST(Scanner, CharsetOfTheMessage) {
         TnefWriter::RecordOptions options = {};
     };
     const Case cases[] = {
-        {le32(932) + le32(1250), std::nullopt, kCharsetShiftJis},
-        {le32(1252), std::nullopt, 7},
-        {le32(1258), std::nullopt, 13},
+        {longs({932, 1250}), std::nullopt, kCharsetShiftJis},
+        {longs({1258}), std::nullopt, 13},
         {{0xE4, 0x04}, std::nullopt, 0},  // fewer than 4 bytes: code page 0
-        {le32(437), std::nullopt, 0},     // no host number
-        {le32(1251), std::nullopt, 0, {.checksum = 1}},  // bad checksum: not taken
-        {le32(1251), 1250, 6},
-        {le32(437), 1250, 5},
-        {{}, 932, 1},
+        {longs({437}), std::nullopt, 0},     // no host number
+        {longs({1251}), std::nullopt, 0, {.checksum = 1}},  // bad checksum: not taken
+        {longs({1251}), 1250, 6},
+        {longs({437}), 1250, 5},
         {{}, 437, 0},
     };
     for (const Case& c : cases) {
@@ -145,42 +137,30 @@ TEST(Scanner, CharsetOfTheMessage) {
     }
 }
 
+// Level 2 data before any attachment goes to the message; level 1 records
+// after the first attachment go nowhere. (A stream that opens with an
+// attachment is listed in tests/catalogue/subfile_info_test.cpp.)
 TEST(Scanner, WhereRecordsGo) {
-    // Level 2 data before any attachment goes to the message; level 1
-    // records after the first attachment go nowhere.
     TnefWriter w;
     w.version().body("text body");
     w.attachData(bytesOf("stray"));
     int64_t strayPos = w.lastDataPosition();
     w.attachRendData().attachData(bytesOf("first")).body("late body");
     w.attachRendData();
-    w.record(kLevelMessage, TNEFREC_RECIPTABLE, le32(0));
+    w.record(kLevelMessage, TNEFREC_RECIPTABLE, longs({0}));
     w.attachData(bytesOf("second!"));
     int64_t secondPos = w.lastDataPosition();
 
     OpenedStream s(w.bytes());
     ASSERT_EQ(s.container->objectCount, 3);
     TnefObject* message = objectAt(s.container, 0);
-    EXPECT_EQ(message->kind, kObjectMessage);
-    EXPECT_EQ(message->parentIndex, -1);
     EXPECT_EQ(message->dataPos, strayPos);
     EXPECT_EQ(message->dataSize, 5);
     EXPECT_EQ(message->recipTableSize, 0);
     TnefObject* second = objectAt(s.container, 2);
-    EXPECT_EQ(second->kind, kObjectAttachment);
-    EXPECT_EQ(second->parentIndex, 0);
     EXPECT_EQ(second->dataPos, secondPos);
     EXPECT_EQ(second->dataSize, 7);
     EXPECT_EQ(s.container->currentObject, second);
-
-    // A stream opening with an attachment has no message.
-    TnefWriter late;
-    late.attachRendData().attachData(bytesOf("x")).version().body("ignored");
-    OpenedStream t(late.bytes());
-    ASSERT_EQ(t.container->objectCount, 1);
-    EXPECT_EQ(objectAt(t.container, 0)->kind, kObjectAttachment);
-    EXPECT_EQ(objectAt(t.container, 0)->dataSize, 1);
-    EXPECT_EQ(t.container->summaryCount, 7);
 }
 
 }  // namespace
