@@ -12,9 +12,9 @@ constexpr uint64_t kSent = 0x01C9CC5E12345678ull;
 
 Bytes queriedStream() {
     return buildMessage(
-        {.props = {Prop::unicode(kTagSubject16, "Hi"), Prop::time(kTagClientSubmitTime, kSent),
-                   Prop::int32(kTagImportance, 2), Prop::unicode(kTagSentRepresentingName16, "Ann"),
-                   Prop::int32(0x10000003, 7), Prop::raw(0x10010001, {})},
+        {.props = {Prop::string8(kTagSubject8, "Lo"), Prop::unicode(kTagSubject16, "Hi"),
+                   Prop::time(kTagClientSubmitTime, kSent), Prop::int32(kTagImportance, 2),
+                   Prop::unicode(kTagSentRepresentingName16, "Ann"), Prop::raw(0x10010001, {})},
          .attachments = {{.props = {Prop::int32(kTagAttachMethod, 1),
                                     Prop::string8(kTagAttachLongFilename8, "a.txt")}}}});
 }
@@ -25,7 +25,8 @@ Bytes valueBytes(const MetaElement* element, size_t count) {
     return Bytes(bytes, bytes + count);
 }
 
-// Without a recipient table, To, Cc and Bcc are answered as elements
+// The summary slots as copies: a 16-bit text is taken before an 8-bit one;
+// without a recipient table, To, Cc and Bcc are answered as elements
 // without value.
 TEST(Metadata, DefaultSetOfTheMessage) {
     OpenedStream s(queriedStream());
@@ -94,7 +95,7 @@ TEST(Metadata, RequestsByTag) {
     const Case cases[] = {
         {"middle one absent", {kTagSubject16, 0x0ABC0003, kTagImportance}, 0,
          {kTagSubject16, kTagImportance}, true},
-        {"none found", {kTagSubject8}, 0, {}, true},
+        {"none found", {kTagSenderName8}, 0, {}, true},
         {"none passes the filter", {0x00001003, 0xFFFF0003, 0x12341003, 0x00370008}, 0, {}, false},
         {"type 1 found without value", {0x10010001}, 0, {0x10010001}, true},
         {"attachment", {kTagAttachLongFilename8}, 1, {kTagAttachLongFilename8}, true},

@@ -1,6 +1,6 @@
-// The seven summary elements of a message, the sender above all (refused
-// allocations of open are swept in tests/sweeps; the elements' names are
-// checked through the metadata in tests/catalogue).
+// The sender text of a message's summary (refused allocations of open are
+// swept in tests/sweeps; the other six elements, as the metadata answers
+// them, are checked in tests/catalogue/metadata_test.cpp).
 #include <gtest/gtest.h>
 
 #include "tests/support/reader_fixture.h"
@@ -58,23 +58,6 @@ TEST(MessageSummary, SenderText) {
         }
         EXPECT_EQ(s.close(), "");
     }
-}
-
-TEST(MessageSummary, SlotsFromProperties) {
-    OpenedStream s(message({Prop::string8(kTagSubject8, "Hi"), Prop::unicode(kTagSubject16, "Yo"),
-                            Prop::int32(kTagImportance, 0)}));
-    MetaElement** slots = s.container->summary;
-    EXPECT_EQ(text(slots[5]), wide("Yo") + std::string(2, '\0'));  // 16-bit tag first, as stored
-    EXPECT_TRUE(slots[6]->type == kElementInteger && slots[6]->hasValue && slots[6]->value == 0);
-
-    // Placeholders where the properties are missing, or where property access
-    // refuses them (a subject above 65535 bytes); null where no source exists.
-    OpenedStream empty(message({Prop::string8(kTagSubject8, std::string(70000, 's'))}));
-    std::string all;
-    for (int i = 0; i < empty.container->summaryCount; ++i) {
-        all += text(empty.container->summary[i]) + "|";
-    }
-    EXPECT_EQ(all, "null|-|null|null|null|-|-|");
 }
 
 }  // namespace

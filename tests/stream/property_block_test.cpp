@@ -80,7 +80,9 @@ TEST(PropertyBlock, ValueLayouts) {
     }
 }
 
-TEST(PropertyBlock, CountLimits) {
+// Counts at their limits, and blocks that fail whole: a failure leaves no
+// rows and no summary.
+TEST(PropertyBlock, CountLimitsAndFailures) {
     auto valueCount = [](int32_t count) {
         Prop p = Prop::raw(0x00011003, {});
         p.valueCount = count;
@@ -91,7 +93,9 @@ TEST(PropertyBlock, CountLimits) {
         Bytes block;
         int32_t status;
         int32_t propCount;
+        TnefWriter::RecordOptions options = {};
     };
+    const Bytes one = propertyBlock({Prop::int32(0x00170003, 1)});
     const Case cases[] = {
         {"count 65535", propertyBlock({}, 65535), 0, 65535},
         {"count 65536", propertyBlock({}, 65536), 4, 0},
@@ -101,13 +105,16 @@ TEST(PropertyBlock, CountLimits) {
         {"value count 65536", valueCount(65536), 4, 0},
         {"negative value count", valueCount(-1), 2, 0},
         {"value count 0", valueCount(0), 0, 2},
+        {"wrong checksum", one, 4, 0, {.checksum = 0x1234}},
+        {"block longer than the input", one, 4, 0, {.length = 400, .writeChecksum = false}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
-        BlockUnderTest b(c.block);
+        BlockUnderTest b(c.block, c.options);
         EXPECT_EQ(b.status(), c.status);
         EXPECT_EQ(b.message->propCount, c.propCount);
         EXPECT_EQ(b.message->props == nullptr, c.status != 0);
+        EXPECT_EQ(b.stream->container->summary == nullptr, c.status != 0);
         EXPECT_EQ(b.stream->close(), "");
     }
 }
@@ -162,25 +169,6 @@ TEST(PropertyBlock, HostileLengthsDoNotWrap) {
         if (p.lengthOverride) {
             EXPECT_EQ(b.row(0).values[0].located.length, -2) << "kept as read";
         }
-    }
-}
-
-TEST(PropertyBlock, FailuresReleaseTheRows) {
-    struct Case {
-        const char* what;
-        TnefWriter::RecordOptions options;
-    };
-    const Case cases[] = {
-        {"wrong checksum", {.checksum = 0x1234}},
-        {"block longer than the input", {.length = 400, .writeChecksum = false}},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.what);
-        BlockUnderTest b(propertyBlock({Prop::int32(0x00170003, 1)}), c.options);
-        EXPECT_EQ(b.status(), 4);
-        EXPECT_EQ(b.message->props, nullptr);
-        EXPECT_EQ(b.stream->container->summary, nullptr) << "no summary after a failure";
-        EXPECT_EQ(b.stream->close(), "");
     }
 }
 
