@@ -34,7 +34,7 @@ TEST(MessageSummary, SenderText) {
         {{snd, repMail}, "\"Snd\" <r@x>"},
         {{rep, Prop::string8(kTagSentRepresentingName8, "B")}, "\"B\""},
         {{sndMail}, "<s@x>"},
-        {{Prop::string8(kTagSenderName8, ""), Prop::string8(kTagSenderEmail8, "ab")}, "\"\" <ab>"},
+        {{Prop::string8(kTagSenderName8, "", false), Prop::string8(kTagSenderEmail8, "ab")}, "\"\" <ab>"},
         {{Prop::string8(kTagSubject8, "Hi")}, "null"},
         {{Prop::unicode(kTagSentRepresentingName16, "Al"),
           Prop::unicode(kTagSentRepresentingEmail16, "a@b")}, wide("\"Al\" <a@b>"), true},

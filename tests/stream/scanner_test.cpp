@@ -116,7 +116,6 @@ TEST(Scanner, CharsetOfTheMessage) {
     };
     const Case cases[] = {
         {longs({932, 1250}), std::nullopt, kCharsetShiftJis},
-        {longs({1258}), std::nullopt, 13},
         {{0xE4, 0x04}, std::nullopt, 0},  // fewer than 4 bytes: code page 0
         {longs({437}), std::nullopt, 0},     // no host number
         {longs({1251}), std::nullopt, 0, {.checksum = 1}},  // bad checksum: not taken
