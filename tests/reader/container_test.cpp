@@ -44,12 +44,13 @@ TEST(Container, CloseClosesTheInputButDoesNotDestroyIt) {
 }
 
 // Any open flags besides the root entry change nothing; an empty stream
-// has only the root entry (one without it: Scanner.SignatureAndKey). Requests without a container, an answer or an owned result
-// memory are refused.
+// has only the root entry (one opened without it: Scanner.WhereTheScanEnds).
+// Requests without a container, an answer or an owned result memory are
+// refused.
 TEST(Container, InfoCountsSubfiles) {
+    const Bytes rich = wideRtfMessage();
     const struct { Bytes stream; uint32_t flags; int32_t count; } cases[] = {
-        {wideRtfMessage(), 0, 3}, {wideRtfMessage(), 0x40000, 4}, {wideRtfMessage(), 0xFFFBFFFF, 3},
-        {TnefWriter().bytes(), 0x40000, 1},
+        {rich, 0, 3}, {rich, 0x40000, 4}, {rich, 0xFFFBFFFF, 3}, {TnefWriter().bytes(), 0x40000, 1},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.flags);
@@ -59,7 +60,7 @@ TEST(Container, InfoCountsSubfiles) {
         EXPECT_EQ(tnefGetContainerInfo(s.container, &info, &s.memory), 0);
         EXPECT_EQ(info.subfileCount, c.count);
     }
-    OpenedStream s(wideRtfMessage());
+    OpenedStream s(rich);
     ContainerInfo info{};
     ResultMemory noOwner{nullptr, s.memory.allocator};
     ResultMemory noAllocator{&info, nullptr};

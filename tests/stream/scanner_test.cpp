@@ -17,41 +17,16 @@ Bytes longs(std::initializer_list<uint32_t> values) {
     return b;
 }
 
-// A message with a text body and one attachment, the base of most cases.
+// A message with a text body and one attachment.
 TnefWriter messageWithAttachment() {
     TnefWriter w;
     w.version().body("hello").attachRendData().attachTitle("a.txt").attachData(bytesOf("DATA"));
     return w;
 }
 
-TEST(Scanner, SignatureAndKey) {
-    struct Case {
-        const char* what;
-        Bytes stream;
-        int32_t status;
-        uint64_t failedSeek = 0;
-    };
-    const Case cases[] = {
-        // Inputs shorter than the signature: the truncation sweep in container_test.
-        {"wrong signature", TnefWriter(0x223E9F79).version().bytes(), 4},
-        {"signature only, no key", longs({0x223E9F78}), 0},
-        {"signature and key, no record", TnefWriter().bytes(), 0},
-        {"key cannot be skipped", messageWithAttachment().bytes(), 4, 2},  // 1 is open's rewind
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.what);
-        OpenedStream s(c.stream, 0, OpenedStream::Deferred{});
-        if (c.failedSeek != 0) s.input.failOperation(IoOp::kSeek, c.failedSeek);
-        s.open();
-        EXPECT_EQ(s.status, c.status);
-        ASSERT_NE(s.container, nullptr);
-        EXPECT_EQ(s.container->objectCount, 0);
-        EXPECT_EQ(s.container->summary, nullptr);
-        EXPECT_EQ(s.close(), "");
-    }
-}
-
-TEST(Scanner, EndsOfTheRecordLoop) {
+// Where the scan ends: in the signature and key with no object, or at a
+// record that can't be read with the objects before it.
+TEST(Scanner, WhereTheScanEnds) {
     TnefWriter withBadLevel = messageWithAttachment();
     withBadLevel.raw({3, 0x0C, 0x80, 0, 0, 1, 0, 0, 0, 'x', 'x', 0});
     withBadLevel.attachRendData();  // never looked at
@@ -60,23 +35,33 @@ TEST(Scanner, EndsOfTheRecordLoop) {
         w.version().record(kLevelAttachment, TNEFREC_ATTACHTITLE, bytesOf("x"), {.length = length});
         return w.attachRendData().bytes();
     };
-
     struct Case {
         const char* what;
         Bytes stream;
+        int32_t status;
         int32_t objects;
+        uint64_t failedSeek = 0;
     };
     const Case cases[] = {
-        {"level byte 3", withBadLevel.bytes(), 2},
+        // Inputs shorter than the signature: the truncation sweep in container_test.
+        {"wrong signature", TnefWriter(0x223E9F79).version().bytes(), 4, 0},
+        {"signature only, no key", longs({0x223E9F78}), 0, 0},
+        {"signature and key, no record", TnefWriter().bytes(), 0, 0},
+        {"key cannot be skipped", messageWithAttachment().bytes(), 4, 0, 2},  // 1 is open's rewind
+        {"level byte 3", withBadLevel.bytes(), 0, 2},
         // Lengths near 2^32 stop the scan at the record.
-        {"length 0x7FFFFFFE", titleOfLength(0x7FFFFFFE), 1},
-        {"length 0xFFFFFFFF", titleOfLength(0xFFFFFFFF), 1},
+        {"length 0x7FFFFFFE", titleOfLength(0x7FFFFFFE), 0, 1},
+        {"length 0xFFFFFFFF", titleOfLength(0xFFFFFFFF), 0, 1},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
-        OpenedStream s(c.stream);
-        EXPECT_EQ(s.status, 0);
+        OpenedStream s(c.stream, 0, OpenedStream::Deferred{});
+        if (c.failedSeek != 0) s.input.failOperation(IoOp::kSeek, c.failedSeek);
+        s.open();
+        EXPECT_EQ(s.status, c.status);
+        ASSERT_NE(s.container, nullptr);
         EXPECT_EQ(s.container->objectCount, c.objects);
+        EXPECT_EQ(s.container->summary == nullptr, c.objects == 0);
         EXPECT_EQ(s.close(), "");
     }
 }
