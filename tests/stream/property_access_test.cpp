@@ -1,7 +1,7 @@
 // Property access and object settling: conversions and limits, and the kind
 // and data range of attachments (failed reads and refused memory of property
 // access are swept in tests/sweeps). The path cut of long file names is checked
-// through the names in tests/catalogue/subfile_naming_test.cpp.
+// through the names in tests/catalogue/subfile_info_test.cpp.
 #include <gtest/gtest.h>
 
 #include "stream/property_access.h"
