@@ -130,7 +130,6 @@ TEST(SubfileNaming, Messages) {
     struct Case { std::vector<Prop> props; const char* name; };
     const Case cases[] = {
         {{Prop::string8(kTagSubject8, "Re: budget")}, "Re budge.mail"},
-        {{Prop::int32(kTagImportance, 1)}, "zdmsg.mail"},
         {{Prop::string8(kTagMessageClass8, "IPM.Task")}, "zdmsg.task"},
         {{Prop::string8(kTagSubject8, "    ")}, " .mail"},
         {{Prop::string8(kTagSubject8, "  lead")}, "lead.mail"},
@@ -158,7 +157,6 @@ TEST(SubfileNaming, Attachments) {
     Prop ole = Prop::int32(kTagAttachMethod, 6);
     struct Case { AttachmentLayout attachment; const char* name; };
     const Case cases[] = {
-        {{}, "zd1.tmp"},
         {{.title = "Quarterly report", .props = {embedded}}, "Quarterl_zd1"},
         {{.title = "???", .props = {embedded}}, "zd1"},
         {{.title = "   ", .props = {embedded}}, " _zd1"},

@@ -63,8 +63,6 @@ TEST(MessageSummary, SenderText) {
         {{sndMail}, "<s@x>"},
         {{Prop::string8(kTagSenderName8, "", false), Prop::string8(kTagSenderEmail8, "ab")}, "\"\" <ab>"},
         {{Prop::string8(kTagSubject8, "Hi")}, "null"},
-        {{Prop::unicode(kTagSentRepresentingName16, "Al"),
-          Prop::unicode(kTagSentRepresentingEmail16, "a@b")}, wide("\"Al\" <a@b>"), true},
         // An 8-bit text beside a 16-bit one is widened; all-8-bit sender
         // texts under a flag raised by another row are read as pairs.
         {{snd, Prop::unicode(kTagSentRepresentingEmail16, "b@x")}, wide("\"Snd\" <b@x>"), true},
@@ -138,7 +136,6 @@ TEST(RecipientTable, BufferSizes) {
         size_t size;
         std::optional<int32_t> rowCount = std::nullopt;
     } cases[] = {
-        {{{name8("0123456789"), mail8("abcdef@ghijklm")}}, 1080},
         {{{name16("Alice"), mail16("a@b.com")}}, 1078},
         {named(9, "N"), 1024 + 31 + 2},
         {named(10, "N"), 2048 + 31 + 2},
@@ -162,14 +159,12 @@ TEST(RecipientTable, DamagedTablesEndCleanly) {
     const Bytes whole = withTable(table);
     EXPECT_EQ(lists(OpenedStream(whole)),
               wide("\"W\" <w@x>") + "|" + wide("\"N1\" <a@b>") + "|" + wide("<b@c>"));
+    // The record holds only the first bytes of the table (a stream that ends
+    // inside the table: Container.OpenSweepOverEveryTruncation).
     for (size_t cut = 0; cut <= table.size(); ++cut) {
-        // The record holds only the first bytes; or the stream ends inside the table.
-        for (const Bytes& stream : {withTable(Bytes(table.begin(), table.begin() + cut)),
-                                    Bytes(whole.begin(), whole.end() - 2 - (table.size() - cut))}) {
-            OpenedStream s(stream);
-            lists(s);  // reads every byte of each list
-            EXPECT_EQ(s.close(), "") << cut;
-        }
+        OpenedStream s(withTable(Bytes(table.begin(), table.begin() + cut)));
+        lists(s);  // reads every byte of each list
+        EXPECT_EQ(s.close(), "") << cut;
     }
     // Built again with the trace lines on: they change nothing.
     OpenedStream traced(whole);

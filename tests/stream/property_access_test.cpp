@@ -76,7 +76,6 @@ TEST(ObjectSettling, KindAndRangeOfAttachments) {
         {"object shorter than its identifier",
          {.props = {Prop::int32(kTagAttachMethod, 6), Prop::raw(kTagAttachDataObject, {Bytes(10, 1)})}}, 2, -6},
         {"by reference", {.props = {Prop::int32(kTagAttachMethod, 4)}}, 3, 0},
-        {"no method", {.data = Bytes(2, 1), .props = {Prop::string8(kTagAttachLongFilename8, "n")}}, 0, 2},
     };
     for (const Case& c : cases) {
         OpenedStream s(buildMessage({.attachments = {c.attachment}}));
