@@ -14,7 +14,7 @@ Bytes queriedStream() {
     return buildMessage(
         {.props = {Prop::string8(kTagSubject8, "Lo"), Prop::unicode(kTagSubject16, "Hi"),
                    Prop::time(kTagClientSubmitTime, kSent), Prop::int32(kTagImportance, 2),
-                   Prop::unicode(kTagSentRepresentingName16, "Ann"), Prop::raw(0x10010001, {})},
+                   Prop::unicode(kTagSentRepresentingName16, "Ann")},
          .attachments = {{.props = {Prop::int32(kTagAttachMethod, 1),
                                     Prop::string8(kTagAttachLongFilename8, "a.txt")}}}});
 }
@@ -97,7 +97,6 @@ TEST(Metadata, RequestsByTag) {
          {kTagSubject16, kTagImportance}, true},
         {"none found", {kTagSenderName8}, 0, {}, true},
         {"none passes the filter", {0x00001003, 0xFFFF0003, 0x12341003, 0x00370008}, 0, {}, false},
-        {"type 1 found without value", {0x10010001}, 0, {0x10010001}, true},
         {"attachment", {kTagAttachLongFilename8}, 1, {kTagAttachLongFilename8}, true},
     };
     for (const Case& c : cases) {

@@ -1,5 +1,6 @@
-// The record scanner: its failure table, the places objects come from and the
-// message's charset.
+// The record scanner: its failure table, the places objects come from, and
+// the settling after the scan (the message's charset, the kind and data
+// range of attachments).
 #include <gtest/gtest.h>
 
 #include "stream/records.h"
@@ -45,8 +46,7 @@ TEST(Scanner, WhereTheScanEnds) {
     const Case cases[] = {
         // Inputs shorter than the signature: the truncation sweep in container_test.
         {"wrong signature", TnefWriter(0x223E9F79).version().bytes(), 4, 0},
-        {"signature only, no key", longs({0x223E9F78}), 0, 0},
-        {"signature and key, no record", TnefWriter().bytes(), 0, 0},
+        {"signature and key, no record", TnefWriter().bytes(), 0, 0},  // as a key cut short
         {"key cannot be skipped", messageWithAttachment().bytes(), 4, 0, 2},  // 1 is open's rewind
         {"level byte 3", withBadLevel.bytes(), 0, 2},
         // Lengths near 2^32 stop the scan at the record.
@@ -145,6 +145,34 @@ TEST(Scanner, WhereRecordsGo) {
     EXPECT_EQ(second->dataPos, secondPos);
     EXPECT_EQ(second->dataSize, 7);
     EXPECT_EQ(s.container->currentObject, second);
+}
+
+// Settling after the scan: the kind and data range of attachments.
+TEST(ObjectSettling, KindAndRangeOfAttachments) {
+    Bytes object(40, 7);
+    struct Case {
+        const char* what;
+        AttachmentLayout attachment;
+        int32_t kind;
+        int32_t size;
+    };
+    const Case cases[] = {
+        {"method 1 without data record: binary property",
+         {.props = {Prop::int32(kTagAttachMethod, 1), Prop::binary(kTagAttachDataBinary, Bytes(9, 1))}}, 0, 9},
+        {"method 1 with data record: property not asked",
+         {.data = Bytes(3, 1), .props = {Prop::int32(kTagAttachMethod, 1), Prop::binary(kTagAttachDataBinary, Bytes(9, 1))}}, 0, 3},
+        {"method 6: object range replaces the data record",
+         {.data = Bytes(3, 1), .props = {Prop::int32(kTagAttachMethod, 6), Prop::raw(kTagAttachDataObject, {object})}}, 2, 24},
+        {"method 5 without object", {.data = Bytes(3, 1), .props = {Prop::int32(kTagAttachMethod, 5)}}, 1, 3},
+        {"object shorter than its identifier",
+         {.props = {Prop::int32(kTagAttachMethod, 6), Prop::raw(kTagAttachDataObject, {Bytes(10, 1)})}}, 2, -6},
+        {"by reference", {.props = {Prop::int32(kTagAttachMethod, 4)}}, 3, 0},
+    };
+    for (const Case& c : cases) {
+        OpenedStream s(buildMessage({.attachments = {c.attachment}}));
+        EXPECT_EQ(objectAt(s.container, 1)->attachKind, c.kind) << c.what;
+        EXPECT_EQ(objectAt(s.container, 1)->dataSize, c.size) << c.what;
+    }
 }
 
 }  // namespace
