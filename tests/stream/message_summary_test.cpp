@@ -79,7 +79,9 @@ TEST(MessageSummary, SenderText) {
     }
 }
 
-// (The layout of one entry, name and address, is the sender's: MessageSummary.SenderText.)
+// (The layout of one entry, name and address, is the sender's: MessageSummary.SenderText;
+// an address without at sign given up for one with it, and mixed tables whose 8-bit rows
+// and texts are widened: RecipientTable.DamagedTablesEndCleanly.)
 TEST(RecipientTable, AssemblesListsInBothForms) {
     Prop tooMany = Prop::raw(0x80011003, {Bytes(4, 0)});
     tooMany.valueCount = 65536;
@@ -91,7 +93,6 @@ TEST(RecipientTable, AssemblesListsInBothForms) {
     } cases[] = {
         {{{name8("Ann"), mail8("ann@x")}}, "\"Ann\" <ann@x>|-|-"},
         {{{kind(1)}, {name8("B")}}, ", \"B\"|-|-"},  // an empty 8-bit list, then a row
-        {{{mail8("ann"), smtp8("ann@x")}}, "<ann@x>|-|-"},
         {{{smtp8("b@x"), mail8("a@x"), smtp8("c@x")}}, "<b@x>|-|-"},  // stream order decides
         {{{name8("A"), smtp8("ann")}}, "\"A\"|-|-"},
         {{{Prop::raw(kTagSmtpAddress8, {bytesOf(std::string("a\0@", 3))})}}, "|-|-"},
@@ -113,10 +114,6 @@ TEST(RecipientTable, AssemblesListsInBothForms) {
         {{{name16("A")}, {kind(2)}}, wide("\"A\"") + "|-|-", true},
         {{{kind(1)}, {name16("A")}}, wide(", \"A\"") + "|-|-", true},
         {{{Prop::raw(0x3001101F, {utf16("A")})}}, wide("\"A\"") + "|-|-", true},
-        // Mixed tables: 8-bit rows and texts are widened.
-        {{{kind(3), name8("Bob"), mail8("b@x")}, {name16("Al")}},
-         wide("\"Al\"") + "|-|" + wide("\"Bob\" <b@x>"), true},
-        {{{name8("Bob"), Prop::unicode(0x3A00001F, "z")}}, wide("\"Bob\"") + "|-|-", true},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.expected);
