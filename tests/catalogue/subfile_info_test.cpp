@@ -159,7 +159,6 @@ TEST(SubfileNaming, Attachments) {
     const Case cases[] = {
         {{.title = "Quarterly report", .props = {embedded}}, "Quarterl_zd1"},
         {{.title = "???", .props = {embedded}}, "zd1"},
-        {{.title = "   ", .props = {embedded}}, " _zd1"},
         {{.title = "Mail",
           .props = {embedded, Prop::string8(kTagAttachLongFilename8, "long.eml")}},
          "Mail_zd1"},

@@ -102,10 +102,9 @@ TEST(Scanner, CharsetOfTheMessage) {
     const Case cases[] = {
         {longs({932, 1250}), std::nullopt, kCharsetShiftJis},
         {{0xE4, 0x04}, std::nullopt, 0},  // fewer than 4 bytes: code page 0
-        {longs({437}), std::nullopt, 0},     // no host number
         {longs({1251}), std::nullopt, 0, {.checksum = 1}},  // bad checksum: not taken
         {longs({1251}), 1250, 6},
-        {longs({437}), 1250, 5},
+        {longs({437}), 1250, 5},  // no host number for the OEM code page
         {{}, 437, 0},
     };
     for (const Case& c : cases) {
