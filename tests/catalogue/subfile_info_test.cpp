@@ -51,16 +51,11 @@ Listed list(OpenedStream& s, int32_t index) {
     info.charset = -1;
     info.childCount = -1;
     info.rootMark = -1;
-    Listed out{};
-    out.status = tnefGetSubfileInfo(s.container, index, &info, &s.memory);
-    if (info.name != nullptr) out.name = info.name;
-    out.type = info.type;
-    out.size = info.size;
-    out.parent = info.parentIndex;
+    int32_t status = tnefGetSubfileInfo(s.container, index, &info, &s.memory);
+    Listed out{status, info.type, info.size, info.parentIndex, info.name != nullptr ? info.name : "", {},
+               info.charset, 0, info.rootMark};
     if (info.children != nullptr) out.children.assign(info.children, info.children + info.childCount);
-    out.charset = info.charset;
     std::memcpy(&out.time, info.time, 8);
-    out.rootMark = info.rootMark;
     s.results.release(info.name);
     s.results.release(info.children);
     return out;
