@@ -18,17 +18,11 @@ Bytes longs(std::initializer_list<uint32_t> values) {
     return b;
 }
 
-// A message with a text body and one attachment.
-TnefWriter messageWithAttachment() {
-    TnefWriter w;
-    w.version().body("hello").attachRendData().attachTitle("a.txt").attachData(bytesOf("DATA"));
-    return w;
-}
-
 // Where the scan ends: in the signature and key with no object, or at a
 // record that can't be read with the objects before it.
 TEST(Scanner, WhereTheScanEnds) {
-    TnefWriter withBadLevel = messageWithAttachment();
+    TnefWriter withBadLevel;
+    withBadLevel.version().body("hello").attachRendData();
     withBadLevel.raw({3, 0x0C, 0x80, 0, 0, 1, 0, 0, 0, 'x', 'x', 0});
     withBadLevel.attachRendData();  // never looked at
     auto titleOfLength = [](uint32_t length) {
@@ -47,7 +41,7 @@ TEST(Scanner, WhereTheScanEnds) {
         // Inputs shorter than the signature: the truncation sweep in container_test.
         {"wrong signature", TnefWriter(0x223E9F79).version().bytes(), 4, 0},
         {"signature and key, no record", TnefWriter().bytes(), 0, 0},  // as a key cut short
-        {"key cannot be skipped", messageWithAttachment().bytes(), 4, 0, 2},  // 1 is open's rewind
+        {"key cannot be skipped", noteMessage("s", "hello", {}), 4, 0, 2},  // 1 is open's rewind
         {"level byte 3", withBadLevel.bytes(), 0, 2},
         // Lengths near 2^32 stop the scan at the record.
         {"length 0x7FFFFFFE", titleOfLength(0x7FFFFFFE), 0, 1},
