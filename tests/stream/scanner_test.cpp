@@ -40,7 +40,7 @@ TEST(Scanner, WhereTheScanEnds) {
     const Case cases[] = {
         // Inputs shorter than the signature: the truncation sweep in container_test.
         {"wrong signature", TnefWriter(0x223E9F79).version().bytes(), 4, 0},
-        {"signature and key, no record", TnefWriter().bytes(), 0, 0},  // as a key cut short
+        {"signature and key, no record", TnefWriter().bytes(), 0, 0},  // as for a key cut short
         {"key cannot be skipped", noteMessage("s", "hello", {}), 4, 0, 2},  // 1 is open's rewind
         {"level byte 3", withBadLevel.bytes(), 0, 2},
         // Lengths near 2^32 stop the scan at the record.
