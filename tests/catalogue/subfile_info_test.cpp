@@ -62,8 +62,8 @@ Listed list(OpenedStream& s, int32_t index) {
 }
 
 // Only the first object carries a charset (-1 stays where none is written);
-// the message's comes from its code page. Only an OLE object is listed with
-// a type of its own; other attachments, whatever their method, are type 1.
+// the message's comes from its code page. An OLE object is listed with a
+// type of its own.
 TEST(SubfileInfo, TreeWithAndWithoutRootEntry) {
     for (uint32_t flags : {0u, 0x40000u}) {
         OpenedStream s(listedStream(), flags);

@@ -142,7 +142,8 @@ TEST(Scanner, WhereRecordsGo) {
 
 // Settling after the scan: the kind and data range of attachments.
 TEST(ObjectSettling, KindAndRangeOfAttachments) {
-    Bytes object(40, 7);
+    const Prop method1 = Prop::int32(kTagAttachMethod, 1), method6 = Prop::int32(kTagAttachMethod, 6);
+    const Prop binary = Prop::binary(kTagAttachDataBinary, Bytes(9, 1));
     struct Case {
         const char* what;
         AttachmentLayout attachment;
@@ -150,15 +151,14 @@ TEST(ObjectSettling, KindAndRangeOfAttachments) {
         int32_t size;
     };
     const Case cases[] = {
-        {"method 1 without data record: binary property",
-         {.props = {Prop::int32(kTagAttachMethod, 1), Prop::binary(kTagAttachDataBinary, Bytes(9, 1))}}, 0, 9},
+        {"method 1 without data record: binary property", {.props = {method1, binary}}, 0, 9},
         {"method 1 with data record: property not asked",
-         {.data = Bytes(3, 1), .props = {Prop::int32(kTagAttachMethod, 1), Prop::binary(kTagAttachDataBinary, Bytes(9, 1))}}, 0, 3},
+         {.data = Bytes(3, 1), .props = {method1, binary}}, 0, 3},
         {"method 6: object range replaces the data record",
-         {.data = Bytes(3, 1), .props = {Prop::int32(kTagAttachMethod, 6), Prop::raw(kTagAttachDataObject, {object})}}, 2, 24},
+         {.data = Bytes(3, 1), .props = {method6, Prop::raw(kTagAttachDataObject, {Bytes(40, 7)})}}, 2, 24},
         {"method 5 without object", {.data = Bytes(3, 1), .props = {Prop::int32(kTagAttachMethod, 5)}}, 1, 3},
         {"object shorter than its identifier",
-         {.props = {Prop::int32(kTagAttachMethod, 6), Prop::raw(kTagAttachDataObject, {Bytes(10, 1)})}}, 2, -6},
+         {.props = {method6, Prop::raw(kTagAttachDataObject, {Bytes(10, 1)})}}, 2, -6},
         {"by reference", {.props = {Prop::int32(kTagAttachMethod, 4)}}, 3, 0},
     };
     for (const Case& c : cases) {
