@@ -7,29 +7,12 @@
 
 #include "reader/operations.h"
 #include "tests/support/reader_fixture.h"
+#include "tests/support/rich_streams.h"
 
 namespace tneftest {
 namespace {
 
 using tnefhost::IoOp;
-
-Bytes richStream() {
-    return buildMessage({.oemCodePage = 1252,
-                         .messageClass = "IPM.Note",
-                         .body = "Body text",
-                         .props = {Prop::string8(kTagSubject8, "Subject"),
-                                   Prop::int32(kTagImportance, 2),
-                                   Prop::string8(kTagSentRepresentingName8, "Ann")},
-                         .recipients = std::vector<std::vector<Prop>>{
-                             {Prop::string8(kTagDisplayName8, "Bob"),
-                              Prop::string8(kTagEmailAddress8, "bob@example.com")}},
-                         .attachments = {{.title = "one.txt",
-                                          .data = bytesOf("first attachment"),
-                                          .props = {Prop::int32(kTagAttachMethod, 1)}},
-                                         {.title = "two.bin",
-                                          .props = {Prop::int32(kTagAttachMethod, 1),
-                                                    Prop::binary(kTagAttachDataBinary, {1, 2, 3})}}}});
-}
 
 TEST(Container, FailuresBeforeTheContainerExists) {
     struct Case { const char* what; void (*arrange)(OpenedStream&); int32_t status; bool leftOpen; };
@@ -40,7 +23,7 @@ TEST(Container, FailuresBeforeTheContainerExists) {
         {"container refused", [](OpenedStream& s) { s.host.memory().refuseRequest(1); }, 2, true},
     };
     for (const Case& c : cases) {
-        OpenedStream s(richStream(), 0, OpenedStream::Deferred{});
+        OpenedStream s(wideRtfMessage(), 0, OpenedStream::Deferred{});
         c.arrange(s);
         s.open();
         EXPECT_EQ(s.container, nullptr) << c.what;
@@ -51,7 +34,7 @@ TEST(Container, FailuresBeforeTheContainerExists) {
 }
 
 TEST(Container, CloseClosesTheInputButDoesNotDestroyIt) {
-    OpenedStream s(richStream());
+    OpenedStream s(wideRtfMessage());
     ASSERT_EQ(s.status, 0);
     EXPECT_TRUE(s.input.isOpen());
     EXPECT_EQ(s.close(), "");
@@ -61,12 +44,13 @@ TEST(Container, CloseClosesTheInputButDoesNotDestroyIt) {
 }
 
 // Any open flags besides the root entry change nothing; an empty stream
-// opens empty. Requests without a container, an answer or an owned result
-// memory are refused.
+// has only the root entry (one opened without it: Scanner.WhereTheScanEnds).
+// Requests without a container, an answer or an owned result memory are
+// refused.
 TEST(Container, InfoCountsSubfiles) {
+    const Bytes rich = wideRtfMessage();
     const struct { Bytes stream; uint32_t flags; int32_t count; } cases[] = {
-        {richStream(), 0, 3}, {richStream(), 0x40000, 4}, {richStream(), 0x40003, 4},
-        {richStream(), 0xFFFBFFFF, 3}, {TnefWriter().bytes(), 0, 0}, {TnefWriter().bytes(), 0x40000, 1},
+        {rich, 0, 3}, {rich, 0x40000, 4}, {rich, 0xFFFBFFFF, 3}, {TnefWriter().bytes(), 0x40000, 1},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.flags);
@@ -76,7 +60,7 @@ TEST(Container, InfoCountsSubfiles) {
         EXPECT_EQ(tnefGetContainerInfo(s.container, &info, &s.memory), 0);
         EXPECT_EQ(info.subfileCount, c.count);
     }
-    OpenedStream s(richStream());
+    OpenedStream s(rich);
     ContainerInfo info{};
     ResultMemory noOwner{nullptr, s.memory.allocator};
     ResultMemory noAllocator{&info, nullptr};
@@ -88,7 +72,7 @@ TEST(Container, InfoCountsSubfiles) {
 }
 
 TEST(Container, OpenSweepOverEveryTruncation) {
-    Bytes stream = richStream();
+    Bytes stream = wideRtfMessage();
     for (size_t cut = 0; cut <= stream.size(); ++cut) {
         OpenedStream s(Bytes(stream.begin(), stream.begin() + static_cast<long>(cut)));
         if (cut < 4) {

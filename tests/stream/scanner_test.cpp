@@ -1,5 +1,6 @@
-// The record scanner: its failure table, the places objects come from and the
-// message's charset.
+// The record scanner: its failure table, the places objects come from, and
+// the settling after the scan (the message's charset, the kind and data
+// range of attachments).
 #include <gtest/gtest.h>
 
 #include "stream/records.h"
@@ -10,37 +11,41 @@ namespace {
 
 using tnefhost::IoOp;
 
-Bytes le32(uint32_t v) {
+// These values as little-endian longs, one after the other.
+Bytes longs(std::initializer_list<uint32_t> values) {
     Bytes b;
-    putLe32(b, v);
+    for (uint32_t v : values) putLe32(b, v);
     return b;
 }
 
-Bytes operator+(Bytes a, const Bytes& b) {
-    a.insert(a.end(), b.begin(), b.end());
-    return a;
-}
-
-// A message with a text body and one attachment, the base of most cases.
-TnefWriter messageWithAttachment() {
-    TnefWriter w;
-    w.version().body("hello").attachRendData().attachTitle("a.txt").attachData(bytesOf("DATA"));
-    return w;
-}
-
-TEST(Scanner, SignatureAndKey) {
+// Where the scan ends: in the signature and key with no object, or at a
+// record that can't be read with the objects before it.
+TEST(Scanner, WhereTheScanEnds) {
+    TnefWriter withBadLevel;
+    withBadLevel.version().body("hello").attachRendData();
+    withBadLevel.raw({3, 0x0C, 0x80, 0, 0, 1, 0, 0, 0, 'x', 'x', 0});
+    withBadLevel.attachRendData();  // never looked at
+    auto titleOfLength = [](uint32_t length) {
+        TnefWriter w;
+        w.version().record(kLevelAttachment, TNEFREC_ATTACHTITLE, bytesOf("x"), {.length = length});
+        return w.attachRendData().bytes();
+    };
     struct Case {
         const char* what;
         Bytes stream;
         int32_t status;
+        int32_t objects;
         uint64_t failedSeek = 0;
     };
     const Case cases[] = {
         // Inputs shorter than the signature: the truncation sweep in container_test.
-        {"wrong signature", TnefWriter(0x223E9F79).version().bytes(), 4},
-        {"signature only, no key", le32(0x223E9F78), 0},
-        {"signature and key, no record", TnefWriter().bytes(), 0},
-        {"key cannot be skipped", messageWithAttachment().bytes(), 4, 2},  // 1 is open's rewind
+        {"wrong signature", TnefWriter(0x223E9F79).version().bytes(), 4, 0},
+        {"signature and key, no record", TnefWriter().bytes(), 0, 0},  // as for a key cut short
+        {"key cannot be skipped", noteMessage("s", "hello", {}), 4, 0, 2},  // 1 is open's rewind
+        {"level byte 3", withBadLevel.bytes(), 0, 2},
+        // Lengths near 2^32 stop the scan at the record.
+        {"length 0x7FFFFFFE", titleOfLength(0x7FFFFFFE), 0, 1},
+        {"length 0xFFFFFFFF", titleOfLength(0xFFFFFFFF), 0, 1},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
@@ -49,40 +54,8 @@ TEST(Scanner, SignatureAndKey) {
         s.open();
         EXPECT_EQ(s.status, c.status);
         ASSERT_NE(s.container, nullptr);
-        EXPECT_EQ(s.container->objectCount, 0);
-        EXPECT_EQ(s.container->summary, nullptr);
-        EXPECT_EQ(s.close(), "");
-    }
-}
-
-TEST(Scanner, EndsOfTheRecordLoop) {
-    TnefWriter withBadLevel = messageWithAttachment();
-    withBadLevel.raw({3, 0x0C, 0x80, 0, 0, 1, 0, 0, 0, 'x', 'x', 0});
-    withBadLevel.attachRendData();  // never looked at
-    auto titleOfLength = [](uint32_t length) {
-        TnefWriter w;
-        w.version().record(kLevelAttachment, TNEFREC_ATTACHTITLE, bytesOf("x"), {.length = length});
-        return w.attachRendData().bytes();
-    };
-
-    struct Case {
-        const char* what;
-        Bytes stream;
-        int32_t objects;
-    };
-    const Case cases[] = {
-        {"level byte 3", withBadLevel.bytes(), 2},
-        // Lengths near 2^32 stop the scan at the record.
-        {"length 0x7FFFFFFE", titleOfLength(0x7FFFFFFE), 1},
-        {"length 0x7FFFFFFF", titleOfLength(0x7FFFFFFF), 1},
-        {"length 0xFFFFFFFE", titleOfLength(0xFFFFFFFE), 1},
-        {"length 0xFFFFFFFF", titleOfLength(0xFFFFFFFF), 1},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.what);
-        OpenedStream s(c.stream);
-        EXPECT_EQ(s.status, 0);
         EXPECT_EQ(s.container->objectCount, c.objects);
+        EXPECT_EQ(s.container->summary == nullptr, c.objects == 0);
         EXPECT_EQ(s.close(), "");
     }
 }
@@ -121,15 +94,11 @@ TEST(Scanner, CharsetOfTheMessage) {
         TnefWriter::RecordOptions options = {};
     };
     const Case cases[] = {
-        {le32(932) + le32(1250), std::nullopt, kCharsetShiftJis},
-        {le32(1252), std::nullopt, 7},
-        {le32(1258), std::nullopt, 13},
+        {longs({932, 1250}), std::nullopt, kCharsetShiftJis},
         {{0xE4, 0x04}, std::nullopt, 0},  // fewer than 4 bytes: code page 0
-        {le32(437), std::nullopt, 0},     // no host number
-        {le32(1251), std::nullopt, 0, {.checksum = 1}},  // bad checksum: not taken
-        {le32(1251), 1250, 6},
-        {le32(437), 1250, 5},
-        {{}, 932, 1},
+        {longs({1251}), std::nullopt, 0, {.checksum = 1}},  // bad checksum: not taken
+        {longs({1251}), 1250, 6},
+        {longs({437}), 1250, 5},  // no host number for the OEM code page
         {{}, 437, 0},
     };
     for (const Case& c : cases) {
@@ -145,42 +114,58 @@ TEST(Scanner, CharsetOfTheMessage) {
     }
 }
 
+// Level 2 data before any attachment goes to the message; level 1 records
+// after the first attachment go nowhere. (A stream that opens with an
+// attachment is listed in tests/catalogue/subfile_info_test.cpp.)
 TEST(Scanner, WhereRecordsGo) {
-    // Level 2 data before any attachment goes to the message; level 1
-    // records after the first attachment go nowhere.
     TnefWriter w;
     w.version().body("text body");
     w.attachData(bytesOf("stray"));
     int64_t strayPos = w.lastDataPosition();
     w.attachRendData().attachData(bytesOf("first")).body("late body");
     w.attachRendData();
-    w.record(kLevelMessage, TNEFREC_RECIPTABLE, le32(0));
+    w.record(kLevelMessage, TNEFREC_RECIPTABLE, longs({0}));
     w.attachData(bytesOf("second!"));
     int64_t secondPos = w.lastDataPosition();
 
     OpenedStream s(w.bytes());
     ASSERT_EQ(s.container->objectCount, 3);
     TnefObject* message = objectAt(s.container, 0);
-    EXPECT_EQ(message->kind, kObjectMessage);
-    EXPECT_EQ(message->parentIndex, -1);
     EXPECT_EQ(message->dataPos, strayPos);
     EXPECT_EQ(message->dataSize, 5);
     EXPECT_EQ(message->recipTableSize, 0);
     TnefObject* second = objectAt(s.container, 2);
-    EXPECT_EQ(second->kind, kObjectAttachment);
-    EXPECT_EQ(second->parentIndex, 0);
     EXPECT_EQ(second->dataPos, secondPos);
     EXPECT_EQ(second->dataSize, 7);
     EXPECT_EQ(s.container->currentObject, second);
+}
 
-    // A stream opening with an attachment has no message.
-    TnefWriter late;
-    late.attachRendData().attachData(bytesOf("x")).version().body("ignored");
-    OpenedStream t(late.bytes());
-    ASSERT_EQ(t.container->objectCount, 1);
-    EXPECT_EQ(objectAt(t.container, 0)->kind, kObjectAttachment);
-    EXPECT_EQ(objectAt(t.container, 0)->dataSize, 1);
-    EXPECT_EQ(t.container->summaryCount, 7);
+// Settling after the scan: the kind and data range of attachments.
+TEST(ObjectSettling, KindAndRangeOfAttachments) {
+    const Prop method1 = Prop::int32(kTagAttachMethod, 1), method6 = Prop::int32(kTagAttachMethod, 6);
+    const Prop binary = Prop::binary(kTagAttachDataBinary, Bytes(9, 1));
+    struct Case {
+        const char* what;
+        AttachmentLayout attachment;
+        int32_t kind;
+        int32_t size;
+    };
+    const Case cases[] = {
+        {"method 1 without data record: binary property", {.props = {method1, binary}}, 0, 9},
+        {"method 1 with data record: property not asked",
+         {.data = Bytes(3, 1), .props = {method1, binary}}, 0, 3},
+        {"method 6: object range replaces the data record",
+         {.data = Bytes(3, 1), .props = {method6, Prop::raw(kTagAttachDataObject, {Bytes(40, 7)})}}, 2, 24},
+        {"method 5 without object", {.data = Bytes(3, 1), .props = {Prop::int32(kTagAttachMethod, 5)}}, 1, 3},
+        {"object shorter than its identifier",
+         {.props = {method6, Prop::raw(kTagAttachDataObject, {Bytes(10, 1)})}}, 2, -6},
+        {"by reference", {.props = {Prop::int32(kTagAttachMethod, 4)}}, 3, 0},
+    };
+    for (const Case& c : cases) {
+        OpenedStream s(buildMessage({.attachments = {c.attachment}}));
+        EXPECT_EQ(objectAt(s.container, 1)->attachKind, c.kind) << c.what;
+        EXPECT_EQ(objectAt(s.container, 1)->dataSize, c.size) << c.what;
+    }
 }
 
 }  // namespace
