@@ -128,7 +128,6 @@ TEST(RtfDecompress, HandMadeAndStoredValues) {
          bytesOf("{\\rtf1XXXXXXXXXXXXXXXXXX")},
         // Control 01: a reference with one byte left is dropped; bit 1 takes 41 as a literal.
         {lzfuValue(hex("01 41"), 3, kLzfuTypeCompressed), hex("41 00 00")},
-        {lzfuValue(hex("00"), 2, kLzfuTypeCompressed), hex("00 00")},
         {storeRtfUncompressed(bytesOf("{\\rtf1 stored}")), bytesOf("{\\rtf1 stored}")},
         {lzfuValue(bytesOf("abcdef"), 3, kLzfuTypeStored), bytesOf("abc")},
         {lzfuValue(bytesOf("abc"), 5, kLzfuTypeStored), hex("61 62 63 00 00")},

@@ -101,7 +101,6 @@ TEST(HtmlSummary, WholeHeaders) {
                     Prop::int32(kTagImportance, 0)}),
          [](OpenedStream& s) { s.host.removeTransformText(); },
          kHtmlPlainHead + "<b>From: </b>\"Al\" <a@x><br>\r\n<b>Importance: </b>Low<br>\r\n" + kHtmlClose + kHtmlClose},
-        {"charset 5", bare, charsets(0, 5), htmlHead("windows-1250") + kHtmlClose},
         {"declared 51, charset 5", bare, charsets(51, 5), htmlHead("windows-1250") + kHtmlClose},
         {"declared ahead of charset", bare, charsets(94, 7), htmlHead("gb18030") + kHtmlClose},
         {"declared 50 has no name", bare, charsets(50, 0), kHtmlPlainHead + kHtmlClose},
@@ -124,7 +123,6 @@ TEST(HtmlSummary, WholeHeaders) {
          },
          kHtmlPlainHead + "<br>\r\n<br>\r\n<b>Bcc: </b>&#65<br>\r\n<b>Subject: </b>&#55357&#56832<br>\r\n" + kHtmlClose},
         {"importance 1", importance(1), nullptr, kHtmlPlainHead + "<b>Importance: </b>Normal<br>\r\n" + kHtmlClose + kHtmlClose},
-        {"importance 5", importance(5), nullptr, kHtmlPlainHead + "<b>Importance: </b>Normal<br>\r\n" + kHtmlClose + kHtmlClose},
         {"buffer of the transformation refused", withProps({Prop::string8(kTagSubject8, "S")}),
          [](OpenedStream& s) { s.host.memory().refuseRequest(1); },
          kHtmlPlainHead + "<b>Subject: </b><br>\r\n" + kHtmlClose},
@@ -159,10 +157,7 @@ TEST(RtfSummary, WholeHeaders) {
                         std::nullopt,
                         {{"{x}.txt", Bytes{1}, {}},
                          {std::nullopt, Bytes{2}, {Prop::string8(kTagAttachLongFilename8, "a{b}.txt")}},
-                         {std::nullopt, Bytes{3}, {Prop::unicode(kTagAttachLongFilename16, "\xE6\x97\xA5")}},
-                         {std::nullopt, Bytes{4}, {Prop::unicode(kTagAttachLongFilename16, "\xE4\xB8\xAD")}},
-                         {std::nullopt, Bytes{5}, {}},
-                         {"t.txt", Bytes{6}, {Prop::raw(kTagAttachLongFilename16, {Bytes(2, 0)})}}}};
+                         {std::nullopt, Bytes{3}, {Prop::unicode(kTagAttachLongFilename16, "\xE6\x97\xA5")}}}};
     MessageLayout normal{std::nullopt, std::nullopt, std::nullopt, {Prop::int32(kTagImportance, 1)}};
     MessageLayout bare{};
     // "{Café \ € 中?中", U+FFFD, a lone high surrogate, "}".
@@ -177,10 +172,10 @@ TEST(RtfSummary, WholeHeaders) {
         longLine += (i == 2 ? "\\uc2" : "") + encoded[i % 3];
     }
     const std::vector<HeaderCase> cases = {
-        {"8-bit sender, names of every form", typical, nullptr,
+        {"8-bit sender, names of each RTF form", typical, nullptr,
          kRtfHead1252 + "\\b From: \\b0 \"Al\" <a@x>\\par \\b Sent: \\b0 Mon Jan 02 03:04:05 2006\\par "
                      "\\b Importance: \\b0 High\\par"
-                     "\\b Attachments: \\b0 {x}.txt; a\\{b\\}.txt; \\uc2\\u26085 ? ; \\u20013 ? ; zd5.tmp" + kRtfEnd},
+                     "\\b Attachments: \\b0 {x}.txt; a\\{b\\}.txt; \\uc2\\u26085 ? " + kRtfEnd},
         {"16-bit text in a single-byte charset", bare,
          [&](OpenedStream& s) {
              charset(7)(s);
@@ -211,7 +206,6 @@ TEST(RtfSummary, WholeHeaders) {
         {"charset 0 follows the host's default", bare, charset(0, true), rtfHead(932, 128) + kRtfEnd},
         {"charset 51 follows the host's default", bare, charset(51, true), rtfHead(932, 128) + kRtfEnd},
         {"charset 14", bare, charset(14), kRtfHead1252 + kRtfEnd},
-        {"charset 53", bare, charset(53), kRtfHead1252 + kRtfEnd},
     };
     checkHeaders(cases, tnefWriteRtfSummaryField);
 }
