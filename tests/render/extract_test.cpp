@@ -96,8 +96,8 @@ Prop rtf(const std::string& text) {
 // The body form chosen for the message (flag 4 prefers a stored body to the
 // text), the seam behind the stored RTF body's header, the choice of the HTML
 // property, and the charset: a wanted one changes nothing in a stored body.
-// No RTF body to be had (the value's buffer or the decoder's refused, nothing
-// read) leaves the header alone.
+// No RTF body to be had (the decoder's buffer refused, nothing read) leaves
+// the header alone.
 TEST(Extract, MessageBodies) {
     const Prop html8 = Prop::string8(kTagBodyHtml8, "<p>str</p>");
     const std::string html8Body("<p>str</p>\0", 11);  // the 8-bit string, with its zero byte
@@ -124,8 +124,6 @@ TEST(Extract, MessageBodies) {
         {"RTF, upper case", {.props = {rtf("{\\RTF1 hi}")}}, 0, 0, kRtfHeader + "\\RTF1 hi}"},
         {"RTF, version 2", {.props = {rtf("{\\rtf2 hi}")}}, 0, 0, kRtfHeader + "{\\rtf2 hi}"},
         {"RTF, cut short", {.props = {rtf("{\\rtf")}}, 0, 0, kRtfHeader + "{\\rtf"},
-        {"RTF, value refused", {.props = {rtf("{\\rtf1 x}")}}, 0, 0, kRtfHeader, false,
-         [](OpenedStream& s) { s.host.memory().refuseRequest(1); }},
         {"RTF, decoder refused", {.props = {rtf("{\\rtf1 x}")}}, 0, 0, kRtfHeader, false,
          [](OpenedStream& s) { s.host.memory().refuseRequest(2); }},
         {"RTF, not read", {.props = {rtf("{\\rtf1 x}")}}, 0, 0, kRtfHeader, false,
