@@ -118,7 +118,6 @@ TEST(Extract, MessageBodies) {
         {"HTML and RTF", {.props = {rtf("{\\rtf1 x}"), html8}}, 0, 51, kHtmlHeader + html8Body},
         {"both HTML properties", {.props = {Prop::binary(kTagHtml, bytesOf("<p>bin</p>")), html8}}, 0, 51,
          kHtmlHeader + html8Body},
-        {"HTML without header", {.props = {Prop::binary(kTagHtml, bytesOf("<p>x</p>"))}}, 2, 51, "<p>x</p>"},
         {"RTF", {.props = {rtf("{\\rtf1\\ansi hi}")}}, 0, 51, kRtfHeader + "\\rtf1\\ansi hi}"},
         {"RTF without header", {.props = {rtf("{\\rtf1\\ansi hi}")}}, 2, 51, "{\\rtf1\\ansi hi}"},
         {"RTF, upper case", {.props = {rtf("{\\RTF1 hi}")}}, 0, 0, kRtfHeader + "\\RTF1 hi}"},

@@ -104,7 +104,6 @@ TEST(RtfDecompress, ReferenceRules) {
         {{LzfuItem::byte('a'), LzfuItem::byte('b')}, 4, hex("61 62 00 00"), true},
         {eight, 136, eightText, true},
         {after(64, eight), 200, at(207, 64) + eightText, true},
-        {after(800, eight), 936, at(207, 800) + eightText, true},
     };
     // Each case at the end of the input, where every item is checked against
     // the bounds, and followed by enough literals to be decoded by whole groups.
