@@ -4,17 +4,12 @@
 // are swept.
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <cstring>
-
 #include "oleio/ole_interface.h"
 #include "tests/support/cfb_writer.h"
 #include "tests/support/reader_fixture.h"
 
 namespace tneftest {
 namespace {
-
-constexpr const char* kLogPrefix = "oleExtractSubFileFromOleStream(): ";
 
 // A message whose one attachment is an OLE object holding `object`.
 Bytes oleMessage(const Bytes& object) {
@@ -27,14 +22,6 @@ Bytes range(const Bytes& bytes, size_t from, size_t count) {
     from = std::min(from, bytes.size());
     count = std::min(count, bytes.size() - from);
     return Bytes(bytes.begin() + static_cast<long>(from), bytes.begin() + static_cast<long>(from + count));
-}
-
-std::vector<std::string> extractionLog(const OpenedStream& s) {
-    std::vector<std::string> lines;
-    for (const std::string& line : s.host.logLines()) {
-        if (line.rfind(kLogPrefix, 0) == 0) lines.push_back(line.substr(std::strlen(kLogPrefix)));
-    }
-    return lines;
 }
 
 CfbEntryLayout compObj(const std::string& userType) {
@@ -95,39 +82,8 @@ TEST(OleExtraction, PayloadStreams) {
             EXPECT_EQ(e.size, static_cast<int64_t>(c.expected.size()));
             EXPECT_FALSE(e.leftOpen);
             EXPECT_EQ(Bytes(e.detectedFormat, e.detectedFormat + 16), Bytes(16, 0)) << "cleared after unpacking";
-            EXPECT_TRUE(extractionLog(s).empty());
+            EXPECT_TRUE(s.host.logLines().empty());
             EXPECT_EQ(s.results.liveBlocks(), 0u);
-        }
-    }
-}
-
-TEST(OleExtraction, WholeObjectFallbacks) {
-    // Not a storage, or a link's Ole stream without marker: the object goes
-    // out whole. A storage no reader accepts gives nothing.
-    OleLinkBytes linked = oleLinkStream(OleLink{});
-    Bytes noMarker = buildCfb({{"\x01" "Ole", range(linked.bytes, 0, static_cast<size_t>(linked.markerEnd) - 1)}});
-    Bytes pdf = bytesOf("%PDF-1.4 not a storage at all");
-    Bytes broken = buildCfb({{"Contents", patternBytes(100)}});
-    broken[30] = 0x7F;  // sector shift
-    struct Case {
-        Bytes object;
-        int32_t status;
-        Bytes expected;
-        std::vector<std::string> log;
-    };
-    const Case cases[] = {
-        {noMarker, 0, noMarker, {"Failed to find main OLE stream."}},
-        {pdf, 0, pdf, {}},
-        {broken, 6, {}, {"Failed to open OLE interface."}},
-    };
-    for (const Case& c : cases) {
-        OpenedStream s(oleMessage(c.object));
-        Extraction e = extractSubfile(s, 1);
-        EXPECT_EQ(e.status, c.status);
-        EXPECT_EQ(e.bytes, c.expected);
-        EXPECT_EQ(extractionLog(s), c.log);
-        if (c.object == pdf) {
-            EXPECT_NE(e.detectedFormat[4] | e.detectedFormat[5], 0) << "the detected format stays";
         }
     }
 }
@@ -146,28 +102,47 @@ struct MarkedOle {
     }
 };
 
-TEST(OleExtraction, LogLinesComeBeforeTheCloses) {
+// Not a storage, or a link's Ole stream without marker: the object goes out
+// whole. A storage no reader accepts gives nothing. A log line stands before
+// the close it explains: a descriptor is parsed before its stream closes, a
+// missing main stream is logged before the storage closes.
+TEST(OleExtraction, FallbacksAndTheirLogLines) {
     OleLinkBytes linked = oleLinkStream(OleLink{});
-    Bytes noMarker = range(linked.bytes, 0, static_cast<size_t>(linked.markerEnd) - 1);
-    const struct {
-        std::vector<CfbEntryLayout> entries;
+    Bytes noMarker = buildCfb({{"\x01" "Ole", range(linked.bytes, 0, static_cast<size_t>(linked.markerEnd) - 1)}});
+    Bytes pdf = bytesOf("%PDF-1.4 not a storage at all");
+    Bytes broken = buildCfb({{"Contents", patternBytes(100)}});
+    broken[30] = 0x7F;  // sector shift
+    Bytes shortCompObj = buildCfb({{"\x01" "CompObj", Bytes(8, 0)}, {"Contents", patternBytes(10)}});
+    const std::string extraction = "oleExtractSubFileFromOleStream(): ";
+    struct Case {
+        Bytes object;
+        int32_t status;
+        Bytes expected;
         std::vector<std::string> log;
-    } cases[] = {
-        {{{"\x01" "CompObj", Bytes(8, 0)}, {"Contents", patternBytes(10)}},
-         {"oleProcessCompObjStream(): Not enough data in buffer (while skipping 1st 32 bytes).",
-          "closeStream", "closeStream", "closeStorage"}},
-        {{{"\x01" "Ole", noMarker}},
-         {"oleProcessOleStream(): Not enough data in buffer (while finding 0xDEAD).", "closeStream",
-          "oleExtractSubFileFromOleStream(): Failed to find main OLE stream.", "closeStorage"}},
     };
-    for (const auto& c : cases) {
-        OpenedStream s(oleMessage(buildCfb(c.entries)));
+    const Case cases[] = {
+        {noMarker, 0, noMarker,
+         {"oleProcessOleStream(): Not enough data in buffer (while finding 0xDEAD).", "closeStream",
+          extraction + "Failed to find main OLE stream.", "closeStorage"}},
+        {pdf, 0, pdf, {}},
+        {broken, 6, {}, {extraction + "Failed to open OLE interface."}},
+        {shortCompObj, 0, patternBytes(10),
+         {"oleProcessCompObjStream(): Not enough data in buffer (while skipping 1st 32 bytes).", "closeStream",
+          "closeStream", "closeStorage"}},
+    };
+    for (const Case& c : cases) {
+        OpenedStream s(oleMessage(c.object));
         MarkedOle::host = &s.host;
         s.host.context()->hostGetProcAddress = [](HostContext*, void*, const char*) -> void* {
             return reinterpret_cast<void*>(&MarkedOle::getInterface);
         };
-        EXPECT_EQ(extractSubfile(s, 1).status, 0);
+        Extraction e = extractSubfile(s, 1);
+        EXPECT_EQ(e.status, c.status);
+        EXPECT_EQ(e.bytes, c.expected);
         EXPECT_EQ(s.host.logLines(), c.log);
+        if (c.object == pdf) {
+            EXPECT_NE(e.detectedFormat[4] | e.detectedFormat[5], 0) << "the detected format stays";
+        }
     }
 }
 

@@ -76,9 +76,6 @@ TEST(PlainMessage, WholeOutputs) {
                       {{"t.txt", Bytes{1}, {Prop::raw(kTagAttachLongFilename16, {Bytes(4, 0)})}},
                        {"u.txt", Bytes{2}, {}},
                        {std::nullopt, Bytes{3}, {Prop::raw(kTagAttachLongFilename8, {Bytes(1, 0)})}}}};
-    MessageLayout titleFirst{1252, std::nullopt, std::nullopt, {}, std::nullopt,
-                           {{"notes.txt", Bytes{1}, {}},
-                            {std::nullopt, Bytes{2}, {Prop::string8(kTagAttachLongFilename8, "a.pdf")}}}};
 
     const std::vector<WholeCase> cases = {
         {"8-bit, nothing wanted", typical, to8, 0, false,
@@ -90,12 +87,6 @@ TEST(PlainMessage, WholeOutputs) {
          wide("From: \"Alice\" <alice@example.com>\r\n" + kSentLine +
               "To: Bob\r\nSubject: Caf\xC3\xA9 plan\r\nImportance: High\r\nAttachments: report.pdf") +
              "; notes.txt; zd3.tmp" + wide("\r\n\r\nHello\r\nCaf\xC3\xA9"),
-         1},
-        {"UTF-8 wanted from 1252",  typical,
-         [](OpenedStream& s) { setSlot(s, 2, kElementText16, wide("B\xC3\xB6" "b"), "To"); }, 53, false,
-         "From: \"Alice\" <alice@example.com>\r\n" + kSentLine +
-             "To: B\xC3\xB6" "b\r\nSubject: Caf\xC3\xA9 plan\r\nImportance: High\r\n"
-             "Attachments: report.pdf; notes.txt; zd3.tmp\r\n\r\nHello\r\nCaf\xC3\xA9",
          1},
         {"16-bit fields, nothing wanted", wide16, nullptr, 0, false,
          wide("From: \"Alice\" <alice@example.com>\r\n" + kSentLine +
@@ -126,19 +117,12 @@ TEST(PlainMessage, WholeOutputs) {
         {"16-bit wanted, no message charset", cp1252, charset(0), 51, false,
          "Subject: Caf\xE9\r\n" + wide("Importance: Normal\r\n\r\n") + "\r\n\r\nCaf\xE9", 1},
         {"header omitted", cp1252, nullptr, 51, true, wide("Caf\xC3\xA9"), 1},
-        // Input failing at the body: a failed seek is an error, a failed read an empty body.
+        // Input failing at the body: a failed seek is an error.
         {"body not found", cp1252, [](OpenedStream& s) { s.input.failOperation(tnefhost::IoOp::kSeek, 1); }, 0,
          false, "Subject: Caf\xE9\r\nImportance: Normal\r\n\r\n\r\n\r\n", 0,
          "Subject: Caf\xE9\r\nImportance: Normal\r\n\r\n\r\n\r\nCaf\xE9", 4},
-        {"body not read", cp1252, [](OpenedStream& s) { s.input.failOperation(tnefhost::IoOp::kRead, 1); }, 51,
-         false, wide("Subject: Caf\xC3\xA9\r\nImportance: Normal\r\n\r\n") + "\r\n\r\n", 1,
-         wide("Subject: Caf\xC3\xA9\r\nImportance: Normal\r\n\r\n") + "\r\n\r\n" + wide("Caf\xC3\xA9")},
-        {"body of size 0", cp1252, [](OpenedStream& s) { objectAt(s.container, 0)->dataSize = 0; }, 0,
-         false, "Subject: Caf\xE9\r\nImportance: Normal\r\n\r\n\r\n\r\n", 0},
         {"names of zero units and of size 0", names, nullptr, 0, false,
          "Importance: Low\r\nAttachments: u.txt; \r\n\r\n", 0},
-        {"title first with 16-bit wanted", titleFirst, nullptr, 51, false,
-         wide("Importance: Normal\r\n") + "Attachments: notes.txt" + wide("; a.pdf") + "\r\n\r\n", 1},
     };
     for (const WholeCase& c : cases) {
         SCOPED_TRACE(c.name);
@@ -160,10 +144,8 @@ TEST(PlainMessage, DateTexts) {
     struct Case { const char* zone; uint64_t ticks; const char* text; };
     const Case cases[] = {
         {"UTC0", kSent2006, "Mon Jan 02 03:04:05 2006"},
-        {"JST-9", kSent2006, "Mon Jan 02 12:04:05 2006"},
         {"HST10", kSent2006, "Sun Jan 01 17:04:05 2006"},
-        {"UTC0", 100000000000000000ULL, "Thu Jan 01 00:00:00 1970"},  // 1917: the epoch
-        {"HST10", 0xFFFFFFFFFFFFFFFFULL, "Wed Dec 31 14:00:00 1969"},  // negative count
+        {"HST10", 0xFFFFFFFFFFFFFFFFULL, "Wed Dec 31 14:00:00 1969"},  // before 1970: the epoch
         {"UTC0", 159394408950000000ULL, "Sun Feb 07 06:28:15 2106"},  // last 32-bit second
         {"UTC0", 159397001010000000ULL, "Sun Jan 04 00:00:05 1970"},  // wrapped past 2106
     };

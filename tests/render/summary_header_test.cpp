@@ -75,14 +75,6 @@ TEST(HtmlSummary, WholeHeaders) {
          {"u.txt", Bytes{6}, {Prop::raw(kTagAttachLongFilename8, {Bytes(2, 0)})}}});
     full.oemCodePage = 1252;
     MessageLayout bare{};
-    // 5000 units of mixed widths run over the flush mark several times.
-    const uint16_t units[] = {0x41, 0x4E2D, 0x7F, 0xFFFF, 0x3B1};
-    std::string longText, references;
-    for (int i = 0; i < 5000; ++i) {
-        longText += {static_cast<char>(units[i % 5] & 0xFF), static_cast<char>(units[i % 5] >> 8)};
-        references += "&#" + std::to_string(units[i % 5]);
-    }
-    auto importance = [](int32_t value) { return withProps({Prop::int32(kTagImportance, value)}); };
     const std::vector<HeaderCase> cases = {
         {"8-bit through the host, names of every form", full,
          [](OpenedStream& s) {
@@ -101,18 +93,9 @@ TEST(HtmlSummary, WholeHeaders) {
                     Prop::int32(kTagImportance, 0)}),
          [](OpenedStream& s) { s.host.removeTransformText(); },
          kHtmlPlainHead + "<b>From: </b>\"Al\" <a@x><br>\r\n<b>Importance: </b>Low<br>\r\n" + kHtmlClose + kHtmlClose},
-        {"charset 5", bare, charsets(0, 5), htmlHead("windows-1250") + kHtmlClose},
         {"declared 51, charset 5", bare, charsets(51, 5), htmlHead("windows-1250") + kHtmlClose},
         {"declared ahead of charset", bare, charsets(94, 7), htmlHead("gb18030") + kHtmlClose},
         {"declared 50 has no name", bare, charsets(50, 0), kHtmlPlainHead + kHtmlClose},
-        {"16-bit everywhere, a 16-bit first name takes the bold label",
-         withProps({}, {{std::nullopt, Bytes{1}, {Prop::unicode(kTagAttachLongFilename16, "x")}},
-                        {std::nullopt, Bytes{2}, {}}}),
-         [](OpenedStream& s) {
-             charsets(51, 51)(s);
-             setSlot(s, 0, kElementText16, wide(std::string("Zo\xC3\xAB\0", 4)), "From");
-         },
-         kHtmlPlainHead + "<b>From: </b>&#90&#111&#235<br>\r\n<b>Attachments: </b>&#120; zd2.tmp" + kHtmlClose},
         {"empty, misnamed, odd and paired values", bare,
          [](OpenedStream& s) {
              setSlot(s, 0, kElementText16, std::string(6, '\0'), "From");
@@ -123,13 +106,11 @@ TEST(HtmlSummary, WholeHeaders) {
              setSlot(s, 6, kElementText8, "2", "Priority");  // not a number: no line
          },
          kHtmlPlainHead + "<br>\r\n<br>\r\n<b>Bcc: </b>&#65<br>\r\n<b>Subject: </b>&#55357&#56832<br>\r\n" + kHtmlClose},
-        {"importance 1", importance(1), nullptr, kHtmlPlainHead + "<b>Importance: </b>Normal<br>\r\n" + kHtmlClose + kHtmlClose},
-        {"importance 5", importance(5), nullptr, kHtmlPlainHead + "<b>Importance: </b>Normal<br>\r\n" + kHtmlClose + kHtmlClose},
+        {"importance 1", withProps({Prop::int32(kTagImportance, 1)}), nullptr,
+         kHtmlPlainHead + "<b>Importance: </b>Normal<br>\r\n" + kHtmlClose + kHtmlClose},
         {"buffer of the transformation refused", withProps({Prop::string8(kTagSubject8, "S")}),
          [](OpenedStream& s) { s.host.memory().refuseRequest(1); },
          kHtmlPlainHead + "<b>Subject: </b><br>\r\n" + kHtmlClose},
-        {"a long value", bare, [&](OpenedStream& s) { setSlot(s, 5, kElementText16, longText, "Subject"); },
-         kHtmlPlainHead + "<b>Subject: </b>" + references + "<br>\r\n" + kHtmlClose},
     };
     checkHeaders(cases, tnefWriteHtmlSummaryField);
 }
@@ -159,10 +140,7 @@ TEST(RtfSummary, WholeHeaders) {
                         std::nullopt,
                         {{"{x}.txt", Bytes{1}, {}},
                          {std::nullopt, Bytes{2}, {Prop::string8(kTagAttachLongFilename8, "a{b}.txt")}},
-                         {std::nullopt, Bytes{3}, {Prop::unicode(kTagAttachLongFilename16, "\xE6\x97\xA5")}},
-                         {std::nullopt, Bytes{4}, {Prop::unicode(kTagAttachLongFilename16, "\xE4\xB8\xAD")}},
-                         {std::nullopt, Bytes{5}, {}},
-                         {"t.txt", Bytes{6}, {Prop::raw(kTagAttachLongFilename16, {Bytes(2, 0)})}}}};
+                         {std::nullopt, Bytes{3}, {Prop::unicode(kTagAttachLongFilename16, "\xE6\x97\xA5")}}}};
     MessageLayout normal{std::nullopt, std::nullopt, std::nullopt, {Prop::int32(kTagImportance, 1)}};
     MessageLayout bare{};
     // "{Café \ € 中?中", U+FFFD, a lone high surrogate, "}".
@@ -177,10 +155,10 @@ TEST(RtfSummary, WholeHeaders) {
         longLine += (i == 2 ? "\\uc2" : "") + encoded[i % 3];
     }
     const std::vector<HeaderCase> cases = {
-        {"8-bit sender, names of every form", typical, nullptr,
+        {"8-bit sender, names of each RTF form", typical, nullptr,
          kRtfHead1252 + "\\b From: \\b0 \"Al\" <a@x>\\par \\b Sent: \\b0 Mon Jan 02 03:04:05 2006\\par "
                      "\\b Importance: \\b0 High\\par"
-                     "\\b Attachments: \\b0 {x}.txt; a\\{b\\}.txt; \\uc2\\u26085 ? ; \\u20013 ? ; zd5.tmp" + kRtfEnd},
+                     "\\b Attachments: \\b0 {x}.txt; a\\{b\\}.txt; \\uc2\\u26085 ? " + kRtfEnd},
         {"16-bit text in a single-byte charset", bare,
          [&](OpenedStream& s) {
              charset(7)(s);
@@ -211,7 +189,6 @@ TEST(RtfSummary, WholeHeaders) {
         {"charset 0 follows the host's default", bare, charset(0, true), rtfHead(932, 128) + kRtfEnd},
         {"charset 51 follows the host's default", bare, charset(51, true), rtfHead(932, 128) + kRtfEnd},
         {"charset 14", bare, charset(14), kRtfHead1252 + kRtfEnd},
-        {"charset 53", bare, charset(53), kRtfHead1252 + kRtfEnd},
     };
     checkHeaders(cases, tnefWriteRtfSummaryField);
 }
