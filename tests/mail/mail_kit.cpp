@@ -7,7 +7,6 @@
 #include <filesystem>
 #include <memory>
 
-#include "mail/mail_input.h"
 #include "mail/mail_library.h"
 
 namespace tneftest {
@@ -63,11 +62,7 @@ void collect(GMimeObject*, GMimeObject* part, gpointer data) {
     }
     if (!GMIME_IS_PART(part)) return;
     const char* name = g_mime_part_get_filename(GMIME_PART(part));
-    if (name != nullptr) {
-        found->attachments[name] = decoded(GMIME_PART(part));
-    } else if (g_mime_content_type_is_type(g_mime_object_get_content_type(part), "text", "plain")) {
-        found->texts.push_back(decoded(GMIME_PART(part)));
-    }
+    if (name != nullptr) found->attachments[name] = decoded(GMIME_PART(part));
 }
 
 }  // namespace
@@ -143,8 +138,6 @@ ReadBack readBack(const std::string& messageBytes) {
     ReadBack found;
     if (!message) return found;
     g_mime_message_foreach(message.get(), collect, &found);
-    found.tnefParts = tnefmail::findTnefParts(message.get(), {}, 0).size();
-    found.correlator = g_mime_object_get_header(GMIME_OBJECT(message.get()), "X-MS-TNEF-Correlator") != nullptr;
     return found;
 }
 
