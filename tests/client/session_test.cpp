@@ -62,6 +62,7 @@ TEST_F(ClientSession, EmbeddedMessagesAreOpenedAndExtracted) {
     Session child(module_, host_.context());
     std::string error;
     ASSERT_EQ(child.openEmbedded(session, 2, &error), Opened::kOk) << error;
+    EXPECT_EQ(child.depth(), 1);
     Bytes bytes;
     EXPECT_EQ(child.extractToMemory(1, &bytes).status, kTnefOk);
     EXPECT_EQ(bytes, bytesOf("BB"));

@@ -60,12 +60,10 @@ TEST(MailCommands, EachCommandReadsTheTnefPartsOfMailAndBatchGivesEachAFolder) {
     EXPECT_EQ(batch.exitCode, 0) << batch.err;
     EXPECT_EQ(batch.json()["counts"], (Json{{"files", 4}, {"ok", 3}, {"partial", 0}, {"failed", 0}, {"noTnef", 1}}));
     EXPECT_EQ(batch.json()["files"][3]["outcome"], "no TNEF");
-    std::vector<std::string> attachments;
-    for (const std::string& file : filesBelow(dir.path() / "batch")) {
-        if (file.find(".txt") != std::string::npos && file.find(".mail") == std::string::npos) attachments.push_back(file);
-    }
-    EXPECT_EQ(attachments, (std::vector<std::string>{"box.mbox/message 1/c.txt", "two.eml/part 0/a.txt",
-                                                     "two.eml/part 1/b.txt"}));
+    EXPECT_EQ(filesBelow(dir.path() / "batch"),
+              (std::vector<std::string>{"box.mbox/message 1/Third.mail.txt", "box.mbox/message 1/c.txt",
+                                        "two.eml/part 0/First.mail.txt", "two.eml/part 0/a.txt",
+                                        "two.eml/part 1/Second.mail.txt", "two.eml/part 1/b.txt"}));
 }
 
 }  // namespace
