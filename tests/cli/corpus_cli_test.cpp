@@ -13,11 +13,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-Json loadExpected(const std::string& dir) {
-    std::ifstream in(dir + "/expected.json");
-    return Json::parse(in, nullptr, false);
-}
-
 const Json* writtenEntry(const Json& report, int index) {
     for (const auto& entry : report["written"]) {
         if (entry["index"] == index) return &entry;
@@ -30,7 +25,8 @@ protected:
     void SetUp() override {
         dir_ = corpusDir();
         if (dir_.empty()) GTEST_SKIP() << "no sample folder (set TNEF_CORPUS or provide ../shared/corpus)";
-        expected_ = loadExpected(dir_);
+        std::ifstream in(dir_ + "/expected.json");
+        expected_ = Json::parse(in, nullptr, false);
         ASSERT_FALSE(expected_.is_discarded()) << "expected.json missing or unreadable in " << dir_;
     }
     std::string dir_;
