@@ -11,7 +11,8 @@ namespace tneftest {
 namespace {
 
 GRef<GMimeObject> sampleTnefPart(const std::string& subject, const std::string& attachment) {
-    return tnefPart(noteMessage(subject, "Body of " + subject, {{attachment, bytesOf("data of " + attachment), {}}}));
+    return tnefPart(
+        noteMessage(subject, "Body of " + subject, {{attachment, bytesOf("data of " + attachment), {}}}));
 }
 
 TEST(MailCommands, EachCommandReadsTheTnefPartsOfMailAndBatchGivesEachAFolder) {

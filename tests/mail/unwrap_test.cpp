@@ -32,8 +32,8 @@ Bytes richTnef(bool rtfOnly = false) {
     plan.attachments.push_back(
         {"report.pdf", bytesOf(kPdf), {Prop::unicode(kTagAttachLongFilename16, "Bericht für März.pdf")}});
     plan.attachments.push_back({"logo.png", bytesOf(kPng), {Prop::string8(0x3712001E, "logo@x")}});
-    plan.attachments.push_back(
-        embeddedMessage("Inner", noteMessage("Inner", "Inner body", {{"inner.txt", bytesOf("inner attachment"), {}}})));
+    Bytes inner = noteMessage("Inner", "Inner body", {{"inner.txt", bytesOf("inner attachment"), {}}});
+    plan.attachments.push_back(embeddedMessage("Inner", inner));
     if (rtfOnly) {
         plan.body.reset();
         plan.props = {Prop::binary(kTagRtfCompressed,
