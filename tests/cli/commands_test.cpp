@@ -36,21 +36,15 @@ TEST(CliExitCodes, EachKindOfInputEndsWithItsCode) {
         int exitCode;
         std::string err;  // part of stderr, when not empty
     } cases[] = {
-        {{"list", good}, 0},
         {{"list", text}, 2},
         {{"list", dir / "missing.tnef"}, 2},
         {{"list", dir.path().string()}, 2},
-        {{"props", text, "--json"}, 2},
         {{"list", bad}, 3},
         {{"list"}, 1},
-        {{"frobnicate", good}, 1},
-        {{"list", good, "--bogus"}, 1},
-        {{"extract", good, "--body", "pdf"}, 1},
         {{"extract", good, "--charset", "no-such-charset"}, 1},
         {{"extract", good, "--only", "2", "-C", dir / "x"}, 1, "no subfile 2"},
         {{"props", good, "--tag", "0xZZ"}, 1},
         {{"list", good, "--help"}, 0},
-        {{"--version"}, 0},
     };
     for (const Case& c : cases) {
         ToolRun run = runTool(c.args);
@@ -63,43 +57,29 @@ TEST(CliExitCodes, EachKindOfInputEndsWithItsCode) {
     EXPECT_NE(merged.out.find("Subject:  -\nPriority: -\ntnef-reader: "), std::string::npos) << merged.out;
 }
 
+// The JSON of list (with the root, the message and an attachment) and of
+// props, byte for byte; props names the summary's properties by default.
 TEST(CliJson, ListAndPropsHaveTheirShapes) {
     TempDir dir;
     std::string file = writeFile(dir.path() / "good.tnef", sampleStream());
-    Json list = runTool({"list", file, "--json"}).json();
-    EXPECT_EQ(keysOf(list), (Keys{"file", "status", "error", "summary", "subfiles"}));
-    EXPECT_EQ(keysOf(list["summary"]), (Keys{"from", "sent", "to", "cc", "bcc", "subject", "importance"}));
-    EXPECT_EQ(list["summary"]["subject"], "Hello");
-    EXPECT_EQ(list["summary"]["from"], "\"Ann\" <ann@example.com>");
-    EXPECT_EQ(list["summary"]["sent"], "2009-05-04T10:20:30Z");
-    EXPECT_EQ(list["summary"]["importance"], "High");
-    ASSERT_EQ(list["subfiles"].size(), 2u);
-    EXPECT_EQ(keysOf(list["subfiles"][0]),
-              (Keys{"index", "name", "type", "size", "time", "charset", "parentIndex", "children"}));
-    EXPECT_EQ(list["subfiles"][0]["children"], Json::array({1}));
-    EXPECT_EQ(keysOf(list["subfiles"][1]), (Keys{"index", "name", "type", "size", "time", "parentIndex"}));
-    Json rooted = runTool({"list", file, "--json", "--root"}).json();
-    ASSERT_EQ(rooted["subfiles"].size(), 3u);
-    EXPECT_EQ(rooted["subfiles"][0], (Json{{"index", 0}, {"name", "root/"}, {"type", "root"}, {"size", 0},
-                                           {"time", nullptr}, {"parentIndex", -1}, {"children", Json::array({1})}}));
-    EXPECT_EQ(rooted["subfiles"][2]["name"], "root/report.pdf");
-    EXPECT_EQ(rooted["subfiles"][2]["parentIndex"], 1);
-
-    Json props = runTool({"props", file, "--json"}).json();
-    EXPECT_EQ(keysOf(props), (Keys{"file", "status", "error", "index", "queryStatus", "properties"}));
-    ASSERT_EQ(props["properties"].size(), 7u);
-    EXPECT_EQ(props["properties"][5],
-              (Json{{"name", "Subject"}, {"tag", nullptr}, {"found", true}, {"type", "text8"},
-                              {"value", "Hello"}}));
-    EXPECT_EQ(props["properties"][6]["value"], 2);
-
+    std::string head = R"({"file":")" + file + R"(","status":0,"error":null,)";
+    EXPECT_EQ(runTool({"list", file, "--json", "--root"}).out,
+              head + R"("summary":{"from":"\"Ann\" <ann@example.com>","sent":"2009-05-04T10:20:30Z",)"
+                     R"("to":null,"cc":null,"bcc":null,"subject":"Hello","importance":"High"},"subfiles":[)"
+                     R"({"index":0,"name":"root/","type":"root","size":0,"time":null,"parentIndex":-1,)"
+                     R"("children":[1]},{"index":1,"name":"root/Hello.mail","type":"message","size":9,)"
+                     R"("time":"2009-05-04T10:20:30Z","charset":0,"parentIndex":0,"children":[2]},)"
+                     R"({"index":2,"name":"root/report.pdf","type":"attachment","size":14,"time":null,)"
+                     R"("parentIndex":1}]})" "\n");
     ToolRun tagged = runTool({"props", file, "--tag", "0x0037001E", "--tag", "0x0037001F", "--json"});
     EXPECT_EQ(tagged.exitCode, 0) << tagged.err;
-    Json answer = tagged.json()["properties"];
-    ASSERT_EQ(answer.size(), 2u);
-    EXPECT_EQ(answer[0]["tag"], "0x0037001E");
-    EXPECT_EQ(answer[0]["value"], "Hello");
-    EXPECT_EQ(answer[1]["found"], false);
+    EXPECT_EQ(tagged.out, head + R"("index":0,"queryStatus":0,"properties":[{"name":null,"tag":"0x0037001E",)"
+                                 R"("found":true,"type":"text8","value":"Hello"},{"name":null,)"
+                                 R"("tag":"0x0037001F","found":false,"type":"none","value":null}]})" "\n");
+    Json named = runTool({"props", file, "--json"}).json()["properties"];
+    ASSERT_EQ(named.size(), 7u);
+    EXPECT_EQ(named[5]["name"], "Subject");
+    EXPECT_EQ(named[6]["value"], 2);
 }
 
 // 8-bit strings in the message's code page, bytes that already are UTF-8 and
@@ -156,7 +136,6 @@ TEST(CliBodies, EachFormIsShownAndWrittenAlike) {
         {both, {"auto"}, "text", "text", {"Subject: Résumé\r\n", "Body text"}, 0},
         {both, {"text", "--charset", "iso-8859-1"}, "text", "text", {"Subject: R\xE9sum\xE9\r\n"}, 0},
         {both, {"html"}, "html", "rtf", {"<b>Subject: </b>Résumé<br>", "<p>Résumé &lt;b&gt;</p>"}, 0},
-        {both, {"html", "--no-header"}, "html", "rtf", {"<!DOCTYPE html>"}, 0},
         {both, {"rtf"}, "rtf", nullptr, {"{\\rtf1", "Subject: \\b0 R\xE9sum\xE9\\par"}, 0},
         {both, {"html", "--raw"}, "rtf", nullptr, {"{\\rtf1"}, 0},
         {both, {"auto", "--raw", "--charset", "utf-8"}, "text", nullptr, {"Subject: Résumé", "Body text"}, 0},

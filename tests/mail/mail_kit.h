@@ -34,15 +34,11 @@ std::string mboxEntry(const std::string& sender, const std::string& message);
 void makeMaildir(const std::string& path);
 
 // What a reader finds in a message: parts with a file name, by name, with
-// their decoded bytes; the texts of the text/plain parts without one; how
-// many TNEF parts are left; whether images the HTML shows are related to
-// it. GMime is started for the whole test program.
+// their decoded bytes, and whether images the HTML shows are related to it.
+// GMime is started for the whole test program.
 struct ReadBack {
     std::map<std::string, std::string> attachments;
     bool related = false;  // a multipart/related holds the HTML and its images
-    std::vector<std::string> texts;
-    size_t tnefParts = 0;
-    bool correlator = false;
 };
 ReadBack readBack(const std::string& messageBytes);
 

