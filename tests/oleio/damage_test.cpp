@@ -9,7 +9,7 @@ namespace {
 
 // Mini streams enough for two mini FAT sectors, regular streams, two
 // directory sectors and, with the DIFAT option, two DIFAT sectors.
-std::vector<CfbEntryLayout> sampleSpecs() {
+std::vector<CfbEntryLayout> sampleEntries() {
     return {{"m1", patternBytes(4000, 1)}, {"m2", patternBytes(4000, 2)},
             {"m3", patternBytes(4000, 3)}, {"r1", patternBytes(5000, 4)},
             {"r2", patternBytes(9000, 5)}};
@@ -32,7 +32,7 @@ TEST(OleDamage, BrokenChains) {
                      damage.stream);
         CfbOptions options(3, 300);
         options.damage = {damage};
-        OpenedStorage file(buildCfb(sampleSpecs(), options));
+        OpenedStorage file(buildCfb(sampleEntries(), options));
         bool wholeFile = damage.chain == CfbChain::kDifat || damage.chain == CfbChain::kDirectory;
         ASSERT_EQ(file.open(), !wholeFile);
         if (wholeFile) continue;
@@ -42,7 +42,7 @@ TEST(OleDamage, BrokenChains) {
     // A directory cut after its first sector hides the entries of the second.
     CfbOptions cutOptions;
     cutOptions.damage = {{CfbChain::kDirectory, CfbBreak::kEndEarly}};
-    OpenedStorage cut(buildCfb(sampleSpecs(), cutOptions));
+    OpenedStorage cut(buildCfb(sampleEntries(), cutOptions));
     ASSERT_TRUE(cut.open());
     EXPECT_EQ(cut.read("r1"), std::nullopt);
 }
@@ -51,19 +51,19 @@ TEST(OleDamage, SizesThatDisagreeWithTheChain) {
     for (auto [name, size] : std::vector<std::pair<std::string, uint64_t>>{
              {"m1", 3000}, {"m1", 4033}, {"m1", 5000}, {"r1", 5200}, {"r1", 4000}, {"r1", 0xFFFFFFFF}}) {
         SCOPED_TRACE(name + " " + std::to_string(size));
-        auto specs = sampleSpecs();
-        for (auto& plan : specs)
+        auto entries = sampleEntries();
+        for (auto& plan : entries)
             if (plan.name == name) plan.sizeOverride = size;
-        OpenedStorage file(buildCfb(specs));
+        OpenedStorage file(buildCfb(entries));
         ASSERT_TRUE(file.open());
         EXPECT_EQ(file.read(name), std::nullopt);
     }
 }
 
 TEST(OleDamage, SiblingLinksThatLoopOrLeaveTheDirectory) {
-    const std::vector<CfbEntryLayout> specs = {{"a", bytesOf("1")}, {"b", bytesOf("2")}, {"c", bytesOf("3")}};
+    const std::vector<CfbEntryLayout> entries = {{"a", bytesOf("1")}, {"b", bytesOf("2")}, {"c", bytesOf("3")}};
     for (uint32_t left : {0u, 2u, 3u, 500u}) {  // the root, the entry itself, a sibling, nothing
-        Bytes bytes = buildCfb(specs);
+        Bytes bytes = buildCfb(entries);
         const size_t directory = (bytes[0x30] + 1) * 512;
         const uint32_t top = bytes[directory + 0x4C];  // "b", the middle of three
         ASSERT_EQ(top, 2u);
@@ -78,7 +78,7 @@ TEST(OleDamage, SiblingLinksThatLoopOrLeaveTheDirectory) {
 }
 
 TEST(OleDamage, HostileHeadersAreRefused) {
-    const Bytes good = buildCfb(sampleSpecs(), CfbOptions(3, 300));
+    const Bytes good = buildCfb(sampleEntries(), CfbOptions(3, 300));
     const uint32_t dirStart = good[0x30] | good[0x31] << 8;
     const size_t rootType = (dirStart + 1) * 512 + 0x42;
     struct Case {
@@ -116,12 +116,12 @@ TEST(OleDamage, HostileHeadersAreRefused) {
 bool readEverything(OpenedStorage& file) {
     if (!file.open()) return false;
     bool all = true;
-    for (const CfbEntryLayout& plan : sampleSpecs()) all = file.read(plan.name, 3000) == plan.data && all;
+    for (const CfbEntryLayout& plan : sampleEntries()) all = file.read(plan.name, 3000) == plan.data && all;
     return all;
 }
 
 TEST(OleDamage, EachRefusedAllocationLeavesNothing) {
-    const Bytes bytes = buildCfb(sampleSpecs(), CfbOptions(3, 300));
+    const Bytes bytes = buildCfb(sampleEntries(), CfbOptions(3, 300));
     bool completed = false;
     for (uint64_t n = 1; !completed && n < 100; ++n) {
         SCOPED_TRACE(n);
@@ -136,7 +136,7 @@ TEST(OleDamage, EachRefusedAllocationLeavesNothing) {
 }
 
 TEST(OleDamage, EachFailedIoCallEndsCleanly) {
-    const Bytes bytes = buildCfb(sampleSpecs(), CfbOptions(3, 300, true));
+    const Bytes bytes = buildCfb(sampleEntries(), CfbOptions(3, 300, true));
     uint64_t openCalls = 0, cleanCalls = 0;
     {
         OpenedStorage file(bytes);
@@ -156,7 +156,7 @@ TEST(OleDamage, EachFailedIoCallEndsCleanly) {
         EXPECT_EQ(file.open(), n <= 2 || n > openCalls);
         // A failed read shortens what a read call returns; the caller may read
         // on, so what comes is always the stream's own bytes, perhaps fewer.
-        for (const CfbEntryLayout& plan : file.storage ? sampleSpecs() : std::vector<CfbEntryLayout>{}) {
+        for (const CfbEntryLayout& plan : file.storage ? sampleEntries() : std::vector<CfbEntryLayout>{}) {
             std::optional<Bytes> got = file.read(plan.name, 3000);
             if (got) {
                 EXPECT_EQ(*got, slice(plan.data, 0, got->size()));
