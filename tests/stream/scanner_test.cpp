@@ -95,6 +95,7 @@ TEST(Scanner, CharsetOfTheMessage) {
     };
     const Case cases[] = {
         {longs({932, 1250}), std::nullopt, kCharsetShiftJis},
+        {longs({1258}), std::nullopt, 13},  // the table's last row
         {{0xE4, 0x04}, std::nullopt, 0},  // fewer than 4 bytes: code page 0
         {longs({1251}), std::nullopt, 0, {.checksum = 1}},  // bad checksum: not taken
         {longs({1251}), 1250, 6},
