@@ -54,7 +54,7 @@ TEST(OleNames, LookupTable) {
     const std::vector<Case> cases = {
         {"\x01Ole10Native", "native"},
         {"\x01ole10NATIVE", "native"},  // ASCII letters ignore case
-        {"Ole10Native", nullptr},        // the control byte belongs to the name
+        {"Ole10Native", nullptr},       // the control byte belongs to the name
         {"Größe", "size"},
         {"grÖße", nullptr},  // only ASCII letters fold
         {"\xF0\x9F\x98\x80X", "emoji"},  // a surrogate pair
