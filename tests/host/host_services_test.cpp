@@ -1,82 +1,30 @@
-// Library loading, format detection and the objects the POSIX host makes.
+// Library loading and the objects the POSIX host makes.
 // (What the scratch and wrapper objects read and write, and that the output
 // stays open beneath its wrapper, the module's extractions check.)
 #include <gtest/gtest.h>
 
-#include <cstring>
-
-#include "host/format_detection.h"
 #include "host/io_objects.h"
 #include "host/posix_host.h"
-#include "tests/support/cfb_writer.h"
 
 namespace tneftest {
 namespace {
 
-using tnefhost::IoOp;
 using tnefhost::MemoryIo;
 using tnefhost::PosixHost;
 
-// hostDetectFormat on `bytes`: the result and the format number.
-std::pair<int32_t, int32_t> detect(HostContext* host, IoObject* io) {
-    uint8_t probe[kFormatProbeSize] = {};
-    std::memset(probe, 0xFF, 8);
-    std::memcpy(probe + kFormatProbeIoOffset, &io, sizeof io);
-    uint8_t format[16] = {};
-    int32_t result = host->hostDetectFormat(host, probe, format);
-    int32_t number = 0;
-    std::memcpy(&number, format + 4, 4);
-    return {result, number};
-}
-
-TEST(HostServices, FormatDetection) {
-    PosixHost host;
-    struct Case {
-        Bytes head;
-        int32_t format;
-    };
-    // A compound file, one of the other signatures, HTML, and what is none.
-    const Case cases[] = {
-        {buildCfb({{"Contents", bytesOf("x")}}), kFormatOleStorage},
-        {bytesOf("%PDF-1.7\n"), tnefhost::kFormatPdf},
-        {bytesOf("  \r\n<!DOCTYPE html><html>"), tnefhost::kFormatHtml},
-        {bytesOf("<HTML>"), tnefhost::kFormatHtml},
-        {bytesOf("plain words"), tnefhost::kFormatBinary},
-        {{}, tnefhost::kFormatBinary},
-        {Bytes{0xD0, 0xCF, 0x11}, tnefhost::kFormatBinary},
-    };
-    for (const Case& c : cases) {
-        MemoryIo io(c.head);
-        io.io()->open(io.io());
-        auto [result, number] = detect(host.context(), io.io());
-        EXPECT_EQ(result, 1);
-        EXPECT_EQ(number, c.format);
-        EXPECT_EQ(io.io()->tell(io.io()), 0) << "left at the start";
-    }
-    MemoryIo unreadable(bytesOf("%PDF"));
-    unreadable.failOperation(IoOp::kSeek, 1);
-    EXPECT_NE(detect(host.context(), unreadable.io()).first, 1);
-    EXPECT_NE(detect(host.context(), nullptr).first, 1);
-}
-
-// Libraries load from the library folder, unless one of the same name (in
-// any case) is linked into the program; entries keep their case.
-TEST(HostServices, LibraryLoading) {
+// A library linked into the program is found first, by its name in any case;
+// its entries keep their case. (Loading from the library folder is what every
+// extraction of an OLE object does.)
+TEST(HostServices, LinkedLibraries) {
     int entry = 0;
     tnefhost::HostOptions options;
-    options.libraryDir = TNEF_BUILD_DIR;
-    PosixHost fromFiles(options);
     options.linkedLibraries = {{"ZDOLEFIO.DLL", {{"GetOLEInterface", &entry}}}};
-    PosixHost linked(options);
-    for (HostContext* c : {fromFiles.context(), linked.context()}) {
-        void* handle = nullptr;
-        ASSERT_EQ(c->hostLoadLibrary(c, "zdolefio.dll", &handle), 1);
-        void* found = c->hostGetProcAddress(c, handle, "GetOLEInterface");
-        EXPECT_TRUE(c == linked.context() ? found == &entry : found != nullptr);
-        EXPECT_EQ(c->hostGetProcAddress(c, handle, c == linked.context() ? "getoleinterface" : "NoSuchEntry"),
-                  nullptr);
-    }
-    HostContext* c = fromFiles.context();
+    PosixHost host(options);
+    HostContext* c = host.context();
+    void* handle = nullptr;
+    ASSERT_EQ(c->hostLoadLibrary(c, "zdolefio.dll", &handle), 1);
+    EXPECT_EQ(c->hostGetProcAddress(c, handle, "GetOLEInterface"), &entry);
+    EXPECT_EQ(c->hostGetProcAddress(c, handle, "getoleinterface"), nullptr);
     void* missing = &c;
     EXPECT_EQ(c->hostLoadLibrary(c, "nosuchlibrary.dll", &missing), 0);
     EXPECT_EQ(missing, nullptr);

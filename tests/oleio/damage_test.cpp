@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/oleio/storage_fixture.h"
+#include "tests/support/reader_fixture.h"
 
 namespace tneftest {
 namespace {
@@ -134,6 +135,17 @@ TEST(OleDamage, EachRefusedAllocationLeavesNothing) {
     file.memory.refuseAbove(300 * 4 - 1);  // the list of FAT sectors
     EXPECT_FALSE(file.open());
 }
+
+#ifdef TNEF_OLEIO_PATH
+// The host's allocator is the only one: the built library imports no heap
+// functions and exports nothing but its entry.
+TEST(OleLibrary, ExportsOnlyTheEntryAndImportsNoAllocator) {
+    LibrarySymbols symbols = librarySymbols(TNEF_OLEIO_PATH);
+    EXPECT_EQ(symbols.defined, std::vector<std::string>{"GetOLEInterface"});
+    EXPECT_FALSE(symbols.imported.empty());  // nm did run
+    EXPECT_EQ(heapFunctions(symbols.imported), std::vector<std::string>{});
+}
+#endif
 
 TEST(OleDamage, EachFailedIoCallEndsCleanly) {
     const Bytes bytes = buildCfb(sampleEntries(), CfbOptions(3, 300, true));

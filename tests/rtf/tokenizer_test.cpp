@@ -67,7 +67,6 @@ TEST(Tokenizer, TokensInAnyChunks) {
         {"\\" + std::string(40, 'a') + " x", "\\" + std::string(32, 'a') + "+ [x]"},
         {"\\foo-bar", "\\foo [-bar]"},
         {"\\foo-", "\\foo [-]"},
-        {"\\x12", "\\x12"},
         {"a\\", "[a]"},
         {"a\\'4", "[a]"},
         {"\\bin9 ab", "\\bin9 <ab>"},
