@@ -97,6 +97,8 @@ TEST(PlainMessage, WholeOutputs) {
         {"element of the wrong name", plain,
          [](OpenedStream& s) { setSlot(s, 3, kElementText8, "x", "To"); }, 0, false,
          kSentLine + "Importance: Normal\r\n\r\n\r\n\r\nBody", 0},
+        {"wanted equals message", cp1252, nullptr, 7, false,
+         "Subject: Caf\xE9\r\nImportance: Normal\r\n\r\n\r\n\r\nCaf\xE9", 0},
         {"header omitted", cp1252, nullptr, 51, true, wide("Caf\xC3\xA9"), 1},
         // Input failing at the body: a failed seek is an error.
         {"body not found", cp1252, [](OpenedStream& s) { s.input.failOperation(tnefhost::IoOp::kSeek, 1); }, 0,
