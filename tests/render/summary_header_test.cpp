@@ -106,8 +106,6 @@ TEST(HtmlSummary, WholeHeaders) {
              setSlot(s, 6, kElementText8, "2", "Priority");  // not a number: no line
          },
          kHtmlPlainHead + "<br>\r\n<br>\r\n<b>Bcc: </b>&#65<br>\r\n<b>Subject: </b>&#55357&#56832<br>\r\n" + kHtmlClose},
-        {"importance 1", withProps({Prop::int32(kTagImportance, 1)}), nullptr,
-         kHtmlPlainHead + "<b>Importance: </b>Normal<br>\r\n" + kHtmlClose + kHtmlClose},
         {"buffer of the transformation refused", withProps({Prop::string8(kTagSubject8, "S")}),
          [](OpenedStream& s) { s.host.memory().refuseRequest(1); },
          kHtmlPlainHead + "<b>Subject: </b><br>\r\n" + kHtmlClose},
@@ -143,9 +141,6 @@ TEST(RtfSummary, WholeHeaders) {
                          {std::nullopt, Bytes{3}, {Prop::unicode(kTagAttachLongFilename16, "\xE6\x97\xA5")}}}};
     MessageLayout normal{std::nullopt, std::nullopt, std::nullopt, {Prop::int32(kTagImportance, 1)}};
     MessageLayout bare{};
-    // "{Café \ € 中?中", U+FFFD, a lone high surrogate, "}".
-    const std::string singleByte =
-        wide("{Caf\xC3\xA9 \\ \xE2\x82\xAC \xE4\xB8\xAD?\xE4\xB8\xAD\xEF\xBF\xBD") + "\x3D\xD8}" + '\0';
     // 5000 units with escapes run over the flush mark with nothing lost; the
     // count word stays with the first \u of the line.
     const std::string pieces[] = {"a", "}", "\xE4\xB8\xAD"}, encoded[] = {"a", "\\}", "\\u20013 ? "};
@@ -159,14 +154,6 @@ TEST(RtfSummary, WholeHeaders) {
          kRtfHead1252 + "\\b From: \\b0 \"Al\" <a@x>\\par \\b Sent: \\b0 Mon Jan 02 03:04:05 2006\\par "
                      "\\b Importance: \\b0 High\\par"
                      "\\b Attachments: \\b0 {x}.txt; a\\{b\\}.txt; \\uc2\\u26085 ? " + kRtfEnd},
-        {"16-bit text in a single-byte charset", bare,
-         [&](OpenedStream& s) {
-             charset(7)(s);
-             setSlot(s, 2, kElementText16, wide("\xE4\xB8\xAD"), "To");
-             setSlot(s, 5, kElementText16, singleByte, "Subject");
-         },
-         kRtfHead1252 + "\\b To: \\b0 \\uc2\\u20013 ? \\par \\b Subject: \\b0 \\{Caf\xE9 \\\\ \x80 \\uc2\\u20013 ? "
-                     "\\u63 ? \\u20013 ? \\u-3 ? \\u-10179 ? \\}\\par " + kRtfEnd},
         {"16-bit and 8-bit text in a double-byte charset", bare,
          [](OpenedStream& s) {
              charset(1)(s);
@@ -187,7 +174,6 @@ TEST(RtfSummary, WholeHeaders) {
          [&](OpenedStream& s) { charset(7)(s); setSlot(s, 5, kElementText16, longText, "Subject"); },
          kRtfHead1252 + longLine + "\\par " + kRtfEnd},
         {"charset 0 follows the host's default", bare, charset(0, true), rtfHead(932, 128) + kRtfEnd},
-        {"charset 51 follows the host's default", bare, charset(51, true), rtfHead(932, 128) + kRtfEnd},
         {"charset 14", bare, charset(14), kRtfHead1252 + kRtfEnd},
     };
     checkHeaders(cases, tnefWriteRtfSummaryField);
