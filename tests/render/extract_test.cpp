@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include "reader/operations.h"
-#include "stream/property_access.h"
 #include "tests/support/cfb_writer.h"  // patternBytes
 #include "tests/support/lzfu_compressor.h"
 #include "tests/support/reader_fixture.h"
