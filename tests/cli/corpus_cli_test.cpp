@@ -47,7 +47,6 @@ TEST_F(CorpusCli, ListAndExtractShowEverySubfileAsExpected) {
         ToolRun run = runTool({"extract", dir_ + "/" + file, "-C", out.path().string(), "--json"});
         EXPECT_EQ(run.exitCode, exitCode) << run.err;
         Json report = run.json();
-        EXPECT_EQ(keysOf(report), (Keys{"file", "status", "error", "written", "links"}));
         size_t files = 0;
         for (const auto& sub : want["subfiles"]) {
             int index = sub["index"].get<int>();
