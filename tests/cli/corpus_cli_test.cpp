@@ -134,9 +134,7 @@ TEST_F(CorpusCli, StandardInputReadsLikeTheFile) {
     std::string file = dir_ + "/attachments.tnef";
     ToolRun piped = runTool({"list", "-", "--json"}, file);
     EXPECT_EQ(piped.exitCode, 0) << piped.err;
-    Json fromStdin = piped.json();
-    EXPECT_EQ(fromStdin["file"], "-");
-    EXPECT_EQ(fromStdin["subfiles"], runTool({"list", file, "--json"}).json()["subfiles"]);
+    EXPECT_EQ(piped.json()["subfiles"], runTool({"list", file, "--json"}).json()["subfiles"]);
 }
 
 }  // namespace
