@@ -91,12 +91,6 @@ std::vector<std::string> filesBelow(const std::filesystem::path& root) {
     return files;
 }
 
-Keys keysOf(const Json& object) {
-    Keys keys;
-    for (const auto& item : object.items()) keys.push_back(item.key());
-    return keys;
-}
-
 Bytes damagedStream() {
     return TnefWriter()
         .version()

@@ -49,10 +49,6 @@ std::string sha256Of(const std::string& path);
 // Every file below `root`, as paths relative to it.
 std::vector<std::string> filesBelow(const std::filesystem::path& root);
 
-// The keys of a JSON object, in their order.
-using Keys = std::vector<std::string>;
-Keys keysOf(const Json& object);
-
 // A stream with a body whose next property block has a wrong checksum: the
 // body can be read, then opening the message fails.
 Bytes damagedStream();
