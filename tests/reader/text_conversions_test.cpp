@@ -82,10 +82,5 @@ TEST_F(TextConversions, NoResult) {
     EXPECT_FALSE(convert(false, text, 7).present);
 }
 
-TEST_F(TextConversions, PassesTheReplacementBytes) {
-    EXPECT_EQ(utf16("a b"), convert(true, {'a', 0xFF, 'b'}, kCharsetUtf8).bytes);
-    EXPECT_EQ((Bytes{'a', '?', 'b'}), convert(false, utf16("a\xE4\xB8\xAD" "b"), 7).bytes);
-}
-
 }  // namespace
 }  // namespace tneftest

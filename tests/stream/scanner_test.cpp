@@ -60,30 +60,6 @@ TEST(Scanner, WhereTheScanEnds) {
     }
 }
 
-TEST(Scanner, AttachmentTitles) {
-    // Title records after the first, empty ones and ones with a bad checksum
-    // are passed over; one cut short ends at the bytes read.
-    auto titled = [](std::vector<std::pair<std::string, TnefWriter::RecordOptions>> titles) {
-        TnefWriter w;
-        w.version().attachRendData().attachData(bytesOf("x"));
-        for (const auto& [text, options] : titles)
-            w.record(kLevelAttachment, TNEFREC_ATTACHTITLE, bytesOf(text), options);
-        return w.bytes();
-    };
-    const std::pair<Bytes, const char*> cases[] = {
-        {titled({{"first", {}}, {"second", {}}, {"", {}}}), "first"},
-        {titled({{"", {}}, {"second", {}}}), "second"},
-        {titled({{"t.txt", {.checksum = 7}}}), "t.txt"},
-        {titled({{"abc", {.length = 50, .writeChecksum = false}}}), "abc"},
-    };
-    for (const auto& [stream, title] : cases) {
-        OpenedStream s(stream);
-        EXPECT_EQ(s.status, 0);
-        ASSERT_NE(objectAt(s.container, 1)->attachTitle, nullptr) << title;
-        EXPECT_STREQ(objectAt(s.container, 1)->attachTitle, title);
-    }
-}
-
 // The charset of the message: from the OEM code page record (its first long),
 // else from the internet code page property.
 TEST(Scanner, CharsetOfTheMessage) {
@@ -116,28 +92,34 @@ TEST(Scanner, CharsetOfTheMessage) {
 }
 
 // Level 2 data before any attachment goes to the message; level 1 records
-// after the first attachment go nowhere. (A stream that opens with an
-// attachment is listed in tests/catalogue/subfile_info_test.cpp.)
+// after the first attachment go nowhere. An attachment keeps its first title
+// with text, whatever its checksum; a title cut short ends at the bytes read.
 TEST(Scanner, WhereRecordsGo) {
     TnefWriter w;
     w.version().body("text body");
     w.attachData(bytesOf("stray"));
     int64_t strayPos = w.lastDataPosition();
     w.attachRendData().attachData(bytesOf("first")).body("late body");
+    w.record(kLevelAttachment, TNEFREC_ATTACHTITLE, {});
+    w.record(kLevelAttachment, TNEFREC_ATTACHTITLE, bytesOf("t.txt"), {.checksum = 7}).attachTitle("second");
     w.attachRendData();
     w.record(kLevelMessage, TNEFREC_RECIPTABLE, longs({0}));
     w.attachData(bytesOf("second!"));
     int64_t secondPos = w.lastDataPosition();
+    w.record(kLevelAttachment, TNEFREC_ATTACHTITLE, bytesOf("abc"), {.length = 50, .writeChecksum = false});
 
     OpenedStream s(w.bytes());
+    EXPECT_EQ(s.status, 0);
     ASSERT_EQ(s.container->objectCount, 3);
     TnefObject* message = objectAt(s.container, 0);
     EXPECT_EQ(message->dataPos, strayPos);
     EXPECT_EQ(message->dataSize, 5);
     EXPECT_EQ(message->recipTableSize, 0);
+    EXPECT_STREQ(objectAt(s.container, 1)->attachTitle, "t.txt");
     TnefObject* second = objectAt(s.container, 2);
     EXPECT_EQ(second->dataPos, secondPos);
     EXPECT_EQ(second->dataSize, 7);
+    EXPECT_STREQ(second->attachTitle, "abc");
     EXPECT_EQ(s.container->currentObject, second);
 }
 
