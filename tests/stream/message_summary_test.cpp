@@ -60,7 +60,6 @@ TEST(MessageSummary, SenderText) {
         {{snd, rep, sndMail, repMail}, "\"Rep\" <r@x>"},
         {{snd, repMail}, "\"Snd\" <r@x>"},
         {{rep, Prop::string8(kTagSentRepresentingName8, "B")}, "\"B\""},
-        {{sndMail}, "<s@x>"},
         {{Prop::string8(kTagSenderName8, "", false), Prop::string8(kTagSenderEmail8, "ab")}, "\"\" <ab>"},
         // An 8-bit text beside a 16-bit one is widened; all-8-bit sender
         // texts under a flag raised by another row are read as pairs.
