@@ -1,6 +1,6 @@
-// Open, close and container info, and open over every truncation. Refused
-// allocations and failed I/O calls through open and everything after it are
-// swept in tests/sweeps.
+// Container info, and open over every truncation (where opening ends and what
+// close does: Scanner.WhereOpeningEnds). Refused allocations and failed I/O
+// calls through open and everything after it are swept in tests/sweeps.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -12,39 +12,8 @@
 namespace tneftest {
 namespace {
 
-using tnefhost::IoOp;
-
-TEST(Container, FailuresBeforeTheContainerExists) {
-    struct Case { const char* what; void (*arrange)(OpenedStream&); int32_t status; bool leftOpen; };
-    const Case cases[] = {
-        {"no open", [](OpenedStream& s) { s.input.removeSlot(IoOp::kOpen); }, 4, false},
-        {"open refused", [](OpenedStream& s) { s.input.failOperation(IoOp::kOpen, 1); }, 4, false},
-        {"no close", [](OpenedStream& s) { s.input.removeSlot(IoOp::kClose); }, 4, true},
-        {"container refused", [](OpenedStream& s) { s.host.memory().refuseRequest(1); }, 2, true},
-    };
-    for (const Case& c : cases) {
-        OpenedStream s(wideRtfMessage(), 0, OpenedStream::Deferred{});
-        c.arrange(s);
-        s.open();
-        EXPECT_EQ(s.container, nullptr) << c.what;
-        EXPECT_EQ(s.status, c.status) << c.what;
-        EXPECT_EQ(s.input.isOpen(), c.leftOpen) << c.what;
-        EXPECT_EQ(s.host.memory().liveBlocks(), 0u) << c.what;
-    }
-}
-
-TEST(Container, CloseClosesTheInputButDoesNotDestroyIt) {
-    OpenedStream s(wideRtfMessage());
-    ASSERT_EQ(s.status, 0);
-    EXPECT_TRUE(s.input.isOpen());
-    EXPECT_EQ(s.close(), "");
-    EXPECT_FALSE(s.input.isOpen());
-    EXPECT_EQ(s.input.calls(IoOp::kDestroy), 0u);
-    tnefCloseContainer(nullptr);
-}
-
 // Any open flags besides the root entry change nothing; an empty stream
-// has only the root entry (one opened without it: Scanner.WhereTheScanEnds).
+// has only the root entry (one opened without it: Scanner.WhereOpeningEnds).
 // Requests without a container, an answer or an owned result memory are
 // refused.
 TEST(Container, InfoCountsSubfiles) {

@@ -33,7 +33,7 @@ protected:
         EXPECT_EQ(kBefore, host_.context()->currentCharset);
         if (buffer == nullptr) return result;
         result.present = true;
-        result.allocated = host_.memory().liveBytes();
+        result.allocated = host_.memory().blockSize(buffer);
         result.bytes.assign(buffer, buffer + result.count);
         result.terminator.assign(buffer + result.count, buffer + result.count + (toUnicode ? 2 : 0));
         container_.host->allocator.free(&container_.host->allocator, buffer);
@@ -63,6 +63,9 @@ TEST_F(TextConversions, ConvertsWithExactBuffers) {
         EXPECT_EQ(test.eightBit, eightBit.bytes);
         EXPECT_EQ(eightBit.bytes.size(), eightBit.allocated);
     }
+    // What can't be converted becomes the replacement: a space in UTF-16, '?' in 8-bit text.
+    EXPECT_EQ(utf16("a b"), convert(true, {'a', 0xFF, 'b'}, kCharsetUtf8).bytes);
+    EXPECT_EQ((Bytes{'a', '?', 'b'}), convert(false, utf16("a\xE4\xB8\xAD" "b"), 7).bytes);
 }
 
 TEST_F(TextConversions, NoResult) {
@@ -80,11 +83,6 @@ TEST_F(TextConversions, NoResult) {
     host_.context()->hostUnicodeToCharset = nullptr;
     EXPECT_FALSE(convert(true, text, 7).present);
     EXPECT_FALSE(convert(false, text, 7).present);
-}
-
-TEST_F(TextConversions, PassesTheReplacementBytes) {
-    EXPECT_EQ(utf16("a b"), convert(true, {'a', 0xFF, 'b'}, kCharsetUtf8).bytes);
-    EXPECT_EQ((Bytes{'a', '?', 'b'}), convert(false, utf16("a\xE4\xB8\xAD" "b"), 7).bytes);
 }
 
 }  // namespace
