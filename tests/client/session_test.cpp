@@ -150,7 +150,7 @@ TEST_F(ClientSession, TheHeaderKeepsTheFormOfTheBody) {
                   Prop::string8(kTagSentRepresentingEmail8, "ann@example.com"),
                   rtfBody("{\\rtf1\\ansi Body\\par}")};
     plan.attachments = {{"a.pdf", bytesOf("A"), {}}, {"b.txt", bytesOf("B"), {}}};
-    // (The tool's tests and corpus checks show the header of the text form.)
+    // (Parts of the text form's header: the tool's body tests and its corpus checks.)
     ReadableRequest request;
     request.form = ReadableForm::kHtml;
     std::string html = render(plan, request).output;
